@@ -1,0 +1,39 @@
+// Between the program's wide path texts and the system's paths, and simple questions about files.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace files {
+
+// A wide text as a path and back: UTF-8 elsewhere, as it is on Windows. Neither touches the disk.
+// Every path comes back as it was: a byte that is no UTF-8 (a name from an older system) becomes a
+// lone surrogate, which prints as a replacement character.
+std::filesystem::path ToPath(const std::wstring& text);
+std::wstring ToText(const std::filesystem::path& path);
+
+// The system's own separator between folders: L'\\' on Windows, L'/' elsewhere.
+constexpr wchar_t Separator() {
+  return static_cast<wchar_t>(std::filesystem::path::preferred_separator);
+}
+
+// True for both separators that path texts may use: a backslash everywhere and the system's own.
+constexpr bool IsSeparator(wchar_t character) {
+  return character == L'\\' || character == Separator();
+}
+
+// True when there is a file (not a folder), or a folder, that this process may look at. Never
+// throw.
+bool FileExists(const std::wstring& path);
+bool FolderExists(const std::wstring& path);
+
+// The size in bytes. Throws the RuntimeError of files/file_error.h when there is no such file.
+std::uint64_t FileSize(const std::wstring& path);
+
+// The system's short (8.3) form of the path; on systems without such names the path as it is. On
+// Windows the short form must fit 255 characters and the file must exist; otherwise the result is
+// empty.
+std::wstring ShortPath(const std::wstring& path);
+
+}  // namespace files

@@ -1,0 +1,173 @@
+// What the section reader makes of the lines of an update file, well-formed or not.
+#include <gmock/gmock.h>
+
+#include "engine/clsOrvPap.h"
+#include "platform/files/paths.h"
+#include "platform/text/code_page.h"
+#include "platform/text/locale.h"
+#include "tests/support/surface_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class SectionReaderTest : public test_support::SurfaceTest {
+ protected:
+  // Reads a file with these bytes into a new object.
+  bool Read(const std::string& bytes) {
+    return ReadPath(files::ToText(folder.Write("a.PRC", bytes)));
+  }
+  bool ReadPath(const std::wstring& path) {
+    update = std::make_unique<clsOrvPap>();
+    update->FilePath = path;
+    return update->GetPrcData();
+  }
+
+  std::vector<std::wstring> SeriesCodes() const {
+    std::vector<std::wstring> codes;
+    for (const clsNewSerie& serie : *update->NewSeries) codes.push_back(serie.SerieCode);
+    return codes;
+  }
+
+  std::unique_ptr<clsOrvPap> update;
+};
+
+TEST_F(SectionReaderTest, WhichLinesAreRecords) {
+  const struct {
+    const char* what;
+    const char* bytes;
+    std::vector<std::wstring> codes;
+  } cases[] = {
+      {"plain",
+       "[NEW SERIE]\r\n\"A\",\"\",1,True,\"\"\r\n\"B\",\"\",1,True,\"\"\r\n",
+       {L"A", L"B"}},
+      {"no final line end", "[NEW SERIE]\r\n\"A\",\"\",1,True,\"\"", {L"A"}},
+      {"bare CR", "[NEW SERIE]\r\"A\",\"\",1,True,\"\"\r", {L"A"}},
+      {"lower case and blanks", "  [new serie] \r\nA,,1,True,\r\n", {L"A"}},
+      {"blank line ends the section", "[NEW SERIE]\r\nA,,1,1,\r\n  \r\nB,,1,1,\r\n", {L"A"}},
+      {"section in two parts", "[NEW SERIE]\nA,,1,1,\n\n[NEW SERIE]\nB,,1,1,\n", {L"A", L"B"}},
+      {"section without a blank line before", "[NEW DISCOUNT]\n[NEW SERIE]\nA,,1,1,\n", {L"A"}},
+      {"wrong numbers of fields", "[NEW SERIE]\nA,,1,1\nB,,1,1,,\nx\nC,,1,1,\n", {L"C"}},
+      {"tab is no blank", "[NEW SERIE]\n\t\nA,,1,1,\n", {L"A"}},
+      {"comma in a quoted text", "[NEW SERIE]\n\"A,B\",,1,1,\n", {L"A,B"}},
+      {"blanks around fields", "[NEW SERIE]\n A ,,1,1,\n\" B \",,1,1,\n", {L"A", L"B"}},
+      {"outside a section", "A,,1,1,\n[VERSION]\nA,,1,1,\n", {}},
+      {"unclosed quote in the last field", "[NEW SERIE]\nA,,1,1,\"\n", {L"A"}},
+      {"byte beyond ASCII", "[NEW SERIE]\n\"\xEB\x80\",,1,1,\n", {text::AnsiToWide("\xEB\x80")}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_TRUE(Read(c.bytes));
+    EXPECT_EQ(SeriesCodes(), c.codes);
+  }
+}
+
+TEST_F(SectionReaderTest, FieldsAreConvertedByTheirKind) {
+  ASSERT_TRUE(
+      Read("[NEW ASSORTMENT]\n"
+           "A,first,2,255,True,0,7,r\n"
+           "B,overflow,256,-1,x,FALSE,,\n"
+           "[NEW ASSSUPPL]\n"
+           "A,S,70000\nA,S,\nA,S,99999999999\n"
+           "[UPDATE OVERLENGTHBONUS]\n"
+           "1.5, .25 ,1e2\nx,,-0.5\n"));
+  const std::vector<clsNewAssortment>& assortments = *update->NewAssortments;
+  ASSERT_THAT(assortments, SizeIs(2));
+  EXPECT_EQ(assortments[0].DimUnit, 2);
+  EXPECT_EQ(assortments[0].PriceUnit, 255);
+  EXPECT_TRUE(assortments[0].BasePriceGroups);
+  EXPECT_FALSE(assortments[0].DiscountGroups);
+  EXPECT_EQ(assortments[0].FabrCode, 7);
+  EXPECT_EQ(assortments[0].Remark, L"r");
+  EXPECT_EQ(assortments[1].DimUnit, 0);
+  EXPECT_EQ(assortments[1].PriceUnit, 0);
+  EXPECT_FALSE(assortments[1].BasePriceGroups);
+
+  std::vector<std::int32_t> types;
+  for (const clsNewAssSuppl& link : *update->NewAssSuppls) types.push_back(link.PrcDiscountType);
+  EXPECT_THAT(types, ElementsAre(70000, 0, 0));
+
+  std::vector<double> numbers;
+  for (const clsUpdateOverlengthB& bonus : *update->OverlengthBonuses) {
+    numbers.insert(numbers.end(), {bonus.Begin, bonus.End, bonus.Price});
+  }
+  EXPECT_THAT(numbers, ElementsAre(1.5, 0.25, 100, 0, 0, -0.5));
+}
+
+// Decimals are read with a full stop whatever the locale, the two amounts of a supplier by the
+// locale.
+TEST_F(SectionReaderTest, OnlySupplierAmountsFollowTheLocale) {
+  const struct {
+    text::Locale locale;
+    double with_point;
+    double with_comma;
+  } cases[] = {{{L',', L'.'}, 15, 1.5}, {{L'.', L','}, 1.5, 15}};
+  for (const auto& c : cases) {
+    const text::ScopedLocale locale(c.locale);
+    ASSERT_TRUE(
+        Read("[NEW SUPPLIER]\nA,a,1.5,\"1,5\"\n\n"
+             "[NEW SERIE]\nS,s,1.5,True,\n"));
+    EXPECT_EQ(update->NewSuppliers->at(0).ToA, c.with_point);
+    EXPECT_EQ(update->NewSuppliers->at(0).ToB, c.with_comma);
+    EXPECT_EQ(update->NewSeries->at(0).Density, 1.5);
+  }
+}
+
+TEST_F(SectionReaderTest, UnreadableFilesAreReportedAndLeaveEmptyCollections) {
+  const struct {
+    const char* what;
+    std::wstring path;
+    const wchar_t* error;
+  } cases[] = {
+      {"missing", folder.Text("missing.PRC"), L"53: File not found"},
+      {"empty", files::ToText(folder.Write("empty.PRC", "")), L"62: Input past end of file"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    prompt.messages.clear();
+    EXPECT_FALSE(ReadPath(c.path));
+    ASSERT_THAT(prompt.messages, SizeIs(1));
+    EXPECT_THAT(prompt.messages[0].text, HasSubstr(L"Procedure = clsOrvPap.GetPrcData (Function)"));
+    EXPECT_THAT(prompt.messages[0].text, HasSubstr(c.error));
+    EXPECT_THAT(*update->PriceData, IsEmpty());
+  }
+}
+
+TEST_F(SectionReaderTest, BinaryFileIsReadWithoutRecords) {
+  std::string bytes = "[NEW SERIE]\r\n";
+  for (int i = 0; i < 20000; ++i) bytes += static_cast<char>(i * 7 % 256 == '"' ? 0 : i * 7 % 256);
+  EXPECT_TRUE(Read(bytes));
+  EXPECT_THAT(SeriesCodes(), IsEmpty());
+  EXPECT_THAT(prompt.messages, IsEmpty());
+}
+
+// Ends the process, as far as the test goes, in the middle of a loop.
+class EndingPump final : public controls::EventPump {
+ public:
+  explicit EndingPump(int turns) : turns_(turns) {}
+  void DoEvents() override {
+    if (--turns_ == 0) throw ProcessEnding();
+  }
+  int turns_;
+};
+
+TEST_F(SectionReaderTest, EndlessLineCanBeLeftThroughDoEvents) {
+  EndingPump pump(1000);  // many more turns than the file has lines
+  settings.objEventPump = &pump;
+  EXPECT_THROW(Read("[NEW SERIE]\nA,,1,1,\n\"B,,1,1,\nC,,1,1,\n"), ProcessEnding);
+  EXPECT_THAT(SeriesCodes(), ElementsAre(L"A"));
+  EXPECT_THAT(prompt.messages, IsEmpty());
+}
+
+TEST_F(SectionReaderTest, LongFileLetsTheWindowLive) {
+  EndingPump pump(500);
+  settings.objEventPump = &pump;
+  std::string bytes = "[NEW SERIE]\n";
+  for (int i = 0; i < 2000; ++i) bytes += "A,,1,1,\n";
+  EXPECT_THROW(Read(bytes), ProcessEnding);
+}
+
+}  // namespace

@@ -1,0 +1,352 @@
+// Walking, searching and changing rows.
+#include "platform/database/recordset.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "platform/text/conversion.h"
+#include "platform/text/date.h"
+#include "platform/text/locale.h"
+#include "tests/platform/database/test_database.h"
+
+namespace database {
+namespace {
+
+void AddArticles(TestDatabase& database, const std::vector<std::wstring>& codes) {
+  for (const std::wstring& code : codes) database.Add(L"Article", {{L"Code", code}});
+}
+
+void OpenForChange(Recordset& rows, TestDatabase& database, const std::wstring& source) {
+  rows.Open(source, database.connection(), CursorType::kDynamic, LockType::kOptimistic);
+}
+
+std::wstring TextOf(Recordset& rows, const std::wstring& field) {
+  return text::ToText(rows(field).Value());
+}
+
+TEST(RecordsetTest, ANewRowIsCurrentWhileItIsFilledAndAfterUpdate) {
+  TestDatabase database;
+  Recordset rows;
+  rows.Open(L"SELECT * FROM Article WHERE Code='A'", database.connection(),
+            CursorType::kForwardOnly, LockType::kOptimistic, -1);
+  EXPECT_TRUE(rows.Eof());
+  EXPECT_TRUE(rows.Bof());
+  rows.AddNew();
+  EXPECT_FALSE(rows.Eof());
+  EXPECT_TRUE(rows(L"code").Value().IsNull());
+  rows(L"Code") = L"A";
+  EXPECT_EQ(TextOf(rows, L"CODE"), L"A");
+  EXPECT_EQ(database.Column(L"Article", L"Code"), L"") << "not saved yet";
+  rows.Update();
+  EXPECT_EQ(TextOf(rows, L"ID"), L"1");
+  EXPECT_FALSE(rows.Eof());
+
+  rows(L"Description") = L"first";
+  rows.Update();
+  EXPECT_EQ(database.Column(L"Article", L"Description"), L"first");
+  rows.MoveNext();
+  EXPECT_TRUE(rows.Eof());
+  EXPECT_EQ(ErrorNumber([&] { rows.MoveNext(); }), 3021);
+  EXPECT_EQ(ErrorNumber([&] { rows(L"Code").Value(); }), 3021);
+  EXPECT_EQ(ErrorNumber([&] { rows(L"Code") = L"B"; }), 3021);
+}
+
+TEST(RecordsetTest, WhatWasNotSavedIsDiscardedByMovingSearchingAndCancelling) {
+  TestDatabase database;
+  AddArticles(database, {L"A", L"B"});
+  Recordset rows;
+  OpenForChange(rows, database, L"Article");
+  rows(L"Code") = L"X";
+  rows.MoveNext();
+  rows.AddNew();
+  rows(L"Code") = L"Y";
+  rows.Find(L"Code = 'B'");
+  EXPECT_EQ(TextOf(rows, L"Code"), L"B");
+  rows.AddNew();
+  rows.CancelUpdate();
+  EXPECT_EQ(TextOf(rows, L"Code"), L"B") << "back on the row before";
+  rows(L"Code") = L"Z";
+  rows.CancelUpdate();
+  rows.Update();
+  rows.Close();
+  EXPECT_EQ(database.Column(L"Article", L"Code"), L"A,B");
+}
+
+TEST(RecordsetTest, ARefusedUpdateLeavesTheFileAsItWas) {
+  struct Case {
+    text::Variant code;
+    text::Variant description;
+    int number;
+  };
+  const Case cases[] = {
+      {L"a ", L"", 3022}, {text::Null{}, L"", 3314}, {L"B", L"longer than ten", 3163}};
+  for (const Case& c : cases) {
+    TestDatabase database;
+    AddArticles(database, {L"A"});
+    Recordset rows;
+    OpenForChange(rows, database, L"Article");
+    rows.AddNew();
+    rows(L"Code") = c.code;
+    rows(L"Description") = c.description;
+    EXPECT_EQ(ErrorNumber([&] { rows.Update(); }), c.number);
+    rows.MoveFirst();
+    EXPECT_EQ(TextOf(rows, L"Code"), L"A");
+    EXPECT_EQ(database.Column(L"Article", L"Code"), L"A");
+  }
+}
+
+TEST(RecordsetTest, FindStartsAtTheCurrentRowAndTakesTheFirstOfEquals) {
+  TestDatabase database(TestDatabase::Indexes::kNone);
+  AddArticles(database, {L"A", L"b", L"A", L"é", L"co-op", L"C "});
+  struct Case {
+    int start;  // rows to skip first
+    const wchar_t* criterion;
+    const wchar_t* id;  // empty: at the end
+  };
+  const Case cases[] = {
+      {0, L"Code = 'A'", L"1"},   {1, L"Code = 'A'", L"3"}, {2, L"Code = 'a  '", L"3"},
+      {3, L"Code = 'A'", L""},    {0, L"Code = 'B'", L"2"}, {0, L"Code = 'C'", L"6"},
+      {0, L"Code = 'É'", L"4"},   {0, L"Code = 'e'", L""},  {0, L"Code = \"CO-OP\"", L"5"},
+      {0, L"Code = 'coop'", L""}, {0, L"[ID]=4", L"4"},     {4, L"ID = 4", L""},
+      {0, L"ID > 3", L"4"},       {4, L"ID > 3", L"5"},     {0, L"Code <> 'a'", L"2"},
+      {0, L"fkSerie = 1", L""},   {6, L"Code = 'A'", L""},  {0, L"ID = 1.5", L""}};
+  for (const CursorType cursor :
+       {CursorType::kDynamic, CursorType::kKeyset, CursorType::kStatic, CursorType::kForwardOnly}) {
+    Recordset rows;
+    rows.Open(L"SELECT ID, Code, fkSerie FROM Article", database.connection(), cursor);
+    for (const Case& c : cases) {
+      SCOPED_TRACE(testing::Message() << c.criterion << " from " << c.start);
+      rows.MoveFirst();
+      for (int i = 0; i < c.start; ++i) rows.MoveNext();
+      rows.Find(c.criterion);
+      EXPECT_EQ(rows.Eof() ? L"" : TextOf(rows, L"ID"), c.id);
+    }
+    rows.MoveFirst();
+    EXPECT_EQ(ErrorNumber([&] { rows.Find(L"Code = 5"); }), 3464);
+    EXPECT_EQ(ErrorNumber([&] { rows.Find(L"Price = 5"); }), 3265);
+    EXPECT_EQ(ErrorNumber([&] { rows.Find(L"Code = 'O'Brien'"); }), 3001);
+    EXPECT_EQ(TextOf(rows, L"ID"), L"1") << "a refused search moves nowhere";
+  }
+}
+
+TEST(RecordsetTest, FindFollowsEveryChange) {
+  TestDatabase database;
+  AddArticles(database, {L"A", L"B", L"C"});
+  Recordset rows;
+  OpenForChange(rows, database, L"SELECT * FROM Article ORDER BY Code DESC");
+  Recordset other;
+  OpenForChange(other, database, L"Article");
+  const auto find = [&](const std::wstring& code) -> std::wstring {
+    rows.MoveFirst();
+    rows.Find(L"Code = '" + code + L"'");
+    return rows.Eof() ? L"" : TextOf(rows, L"ID");
+  };
+  EXPECT_EQ(find(L"B"), L"2");
+  rows(L"Code") = L"BB";
+  rows.Update();
+  EXPECT_EQ(find(L"B"), L"");
+  EXPECT_EQ(find(L"BB"), L"2");
+
+  rows.AddNew();
+  rows(L"Code") = L"D";
+  rows.Update();
+  EXPECT_EQ(find(L"D"), L"4");
+  rows.MoveNext();
+  EXPECT_TRUE(rows.Eof()) << "new rows stand at the end";
+  rows.Find(L"Code = 'D'");
+  EXPECT_TRUE(rows.Eof()) << "nothing is found from the end";
+
+  EXPECT_EQ(find(L"C"), L"3");
+  rows.Delete();
+  EXPECT_EQ(find(L"C"), L"");
+
+  other.Find(L"Code = 'A'");
+  other(L"Code") = L"AA";
+  other.Update();
+  EXPECT_EQ(find(L"A"), L"");
+  EXPECT_EQ(find(L"AA"), L"1");
+  other.Delete();
+  EXPECT_EQ(find(L"AA"), L"");
+  other.AddNew();
+  other(L"Code") = L"E";
+  other.Update();
+  EXPECT_EQ(find(L"E"), L"") << "rows that others add do not belong to this recordset";
+  EXPECT_EQ(find(L"D"), L"4");
+}
+
+TEST(RecordsetTest, EveryRowCanBeDeletedWhileWalking) {
+  for (const wchar_t* source : {L"Article", L"SELECT * FROM Article WHERE ID > 0"}) {
+    TestDatabase database;
+    AddArticles(database, {L"A", L"B", L"C"});
+    Recordset rows;
+    OpenForChange(rows, database, source);
+    while (!rows.Eof()) {
+      rows.Delete();
+      EXPECT_EQ(ErrorNumber([&] { rows(L"Code").Value(); }), 3167);
+      EXPECT_EQ(ErrorNumber([&] { rows(L"Code") = L"X"; }), 3167);
+      EXPECT_EQ(ErrorNumber([&] { rows.Delete(); }), 3167);
+      rows.Update();
+      rows.MoveNext();
+    }
+    EXPECT_TRUE(rows.Bof());
+    EXPECT_EQ(rows.RecordCount(), 0);
+    EXPECT_EQ(ErrorNumber([&] { rows.MoveFirst(); }), 3021);
+    EXPECT_EQ(database.Column(L"Article", L"Code"), L"");
+    rows.AddNew();
+    rows(L"Code") = L"N";
+    rows.Update();
+    rows.MoveFirst();
+    EXPECT_EQ(TextOf(rows, L"Code"), L"N");
+  }
+}
+
+TEST(RecordsetTest, RowsAddedWhileATableIsWalkedAppearOnceAndAtTheEnd) {
+  TestDatabase database;
+  AddArticles(database, {L"A", L"B"});
+  Recordset rows;
+  OpenForChange(rows, database, L"Article");
+  for (int i = 0; i < 300; ++i) {
+    rows.AddNew();
+    rows(L"Code") = L"N" + std::to_wstring(i);
+    rows.Update();
+  }
+  rows.MoveFirst();
+  std::vector<std::wstring> codes;
+  for (; !rows.Eof(); rows.MoveNext()) codes.push_back(TextOf(rows, L"Code"));
+  ASSERT_EQ(codes.size(), 302u);
+  EXPECT_EQ(codes[0], L"A");
+  EXPECT_EQ(codes[1], L"B");
+  EXPECT_EQ(codes[2], L"N0");
+  EXPECT_EQ(codes[301], L"N299");
+  EXPECT_EQ(rows.RecordCount(), 302);
+}
+
+TEST(RecordsetTest, CursorsSeeLaterChangesAsDescribed) {
+  TestDatabase database;
+  AddArticles(database, {L"A", L"B"});
+  Recordset snapshot;
+  snapshot.Open(L"Article", database.connection(), CursorType::kStatic, LockType::kReadOnly);
+  Recordset keyset;
+  keyset.Open(L"Article", database.connection(), CursorType::kKeyset, LockType::kOptimistic);
+  Recordset other;
+  OpenForChange(other, database, L"Article");
+  other(L"Code") = L"AA";
+  other.Update();
+  other.MoveNext();
+  other.Delete();
+  AddArticles(database, {L"C"});
+
+  EXPECT_EQ(TextOf(snapshot, L"Code"), L"A");
+  snapshot.MoveNext();
+  EXPECT_EQ(TextOf(snapshot, L"Code"), L"B");
+  EXPECT_EQ(snapshot.RecordCount(), 2);
+
+  EXPECT_EQ(TextOf(keyset, L"Code"), L"AA");
+  keyset(L"Description") = L"kept";
+  keyset.Update();
+  keyset.MoveNext();
+  EXPECT_EQ(ErrorNumber([&] { keyset(L"Code").Value(); }), 3167);
+  keyset.MoveNext();
+  EXPECT_TRUE(keyset.Eof());
+  EXPECT_EQ(database.Column(L"Article", L"Code"), L"AA,C");
+}
+
+TEST(RecordsetTest, UpdateLeavesAloneWhatOthersChangedInTheSameRow) {
+  TestDatabase database;
+  AddArticles(database, {L"A"});
+  Recordset one;
+  OpenForChange(one, database, L"Article");
+  Recordset other;
+  OpenForChange(other, database, L"Article");
+  one(L"Description") = L"one";
+  other(L"fkSerie") = 7;
+  other.Update();
+  one.Update();
+  EXPECT_EQ(TextOf(one, L"fkSerie"), L"7");
+  EXPECT_EQ(database.Column(L"Article", L"Description"), L"one");
+}
+
+TEST(RecordsetTest, WhatMayNotBeChangedSaysSo) {
+  TestDatabase database;
+  AddArticles(database, {L"A"});
+  database.Add(L"Serie", {{L"SerieCode", L"S"}});
+  Recordset rows;
+  EXPECT_EQ(ErrorNumber([&] { rows.Eof(); }), 3704);
+  for (const auto& [source, lock] :
+       {std::pair(L"SELECT * FROM Article", LockType::kReadOnly),
+        std::pair(L"SELECT Article.Code FROM Article INNER JOIN Serie ON Article.ID = "
+                  L"Serie.SerieNr",
+                  LockType::kOptimistic)}) {
+    rows.Open(source, database.connection(), CursorType::kDynamic, lock);
+    ASSERT_FALSE(rows.Eof());
+    EXPECT_EQ(ErrorNumber([&] { rows(L"Code") = L"B"; }), 3251);
+    EXPECT_EQ(ErrorNumber([&] { rows.AddNew(); }), 3251);
+    EXPECT_EQ(ErrorNumber([&] { rows.Delete(); }), 3251);
+    EXPECT_EQ(ErrorNumber([&] { rows(L"Nothing"); }), 3265);
+    EXPECT_EQ(ErrorNumber([&] { rows.Open(L"Serie", database.connection()); }), 3705);
+    rows.Close();
+  }
+}
+
+TEST(RecordsetTest, ValuesBecomeWhatTheirColumnHolds) {
+  const text::ScopedLocale locale({L',', L'.'});
+  struct Case {
+    const wchar_t* column;
+    text::Variant value;
+    text::Variant stored;
+    int number = 0;
+  };
+  const Case cases[] = {
+      {L"Yes", std::int32_t{1}, true},
+      {L"Yes", L"false", false},
+      {L"Yes", text::Null{}, false},
+      {L"Yes", L"maybe", {}, 3421},
+      {L"Small", 200.5, std::uint8_t{200}},
+      {L"Small", std::int32_t{256}, {}, 3349},
+      {L"Small", std::int32_t{-1}, {}, 3349},
+      {L"Short", L"-12", std::int16_t{-12}},
+      {L"Short", 32767.5, {}, 3349},
+      {L"Long", L"1.234", std::int32_t{1234}},
+      {L"Long", 2.5, std::int32_t{2}},
+      {L"Long", true, std::int32_t{-1}},
+      {L"Long", L"twelve", {}, 3421},
+      {L"Long", L"", {}, 3421},
+      {L"Long", 2147483648.0, {}, 3349},
+      {L"Money", 1.23456, text::Currency{12346}},
+      {L"Money", L"2,5", text::Currency{25000}},
+      {L"Money", 1e15, {}, 3349},
+      {L"Single", 0.1, 0.1F},
+      {L"Single", 1e39, {}, 3349},
+      {L"Double", L"1,5", 1.5},
+      {L"Double", 0.1F, double{0.1F}},
+      {L"Double", std::numeric_limits<double>::infinity(), {}, 3349},
+      {L"Double", text::Null{}, text::Null{}},
+      {L"When", text::Date{38061.5}, text::Date{38061.5}},
+      {L"When", std::int32_t{0}, text::Date{0}},
+      {L"When", 3e6, {}, 3349},
+      {L"When", L"today", {}, 3421},
+      {L"Text", 1.5, L"1,5"},
+      {L"Text", std::int32_t{-7}, L"-7"},
+      {L"Text", text::Binary{}, {}, 3421},
+      {L"Memo", std::wstring(3000, L'é'), std::wstring(3000, L'é')},
+      {L"ID", text::Guid{}, {}, 3421},
+  };
+  TestDatabase database;
+  Recordset rows;
+  OpenForChange(rows, database, L"Kinds");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.column << " " << text::ToText(c.value).substr(0, 20));
+    rows.AddNew();
+    EXPECT_EQ(ErrorNumber([&] { rows(c.column) = c.value; }), c.number);
+    if (c.number != 0) continue;
+    EXPECT_EQ(rows(c.column).Value(), c.stored) << "before saving";
+    rows.Update();
+    Recordset again;
+    again.Open(L"SELECT * FROM Kinds WHERE ID = " + TextOf(rows, L"ID"), database.connection());
+    EXPECT_EQ(again(c.column).Value(), c.stored) << "as saved";
+  }
+}
+
+}  // namespace
+}  // namespace database

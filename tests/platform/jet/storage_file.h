@@ -1,0 +1,59 @@
+// A file of nothing but storage: global maps, one page of usage maps, and what a test puts there.
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/jet/pager.h"
+#include "platform/jet/row_store.h"
+#include "platform/jet/usage_map.h"
+#include "platform/jet/value.h"
+#include "tests/platform/jet/memory_page_store.h"
+
+namespace jet::test {
+
+// Page 0 and pages 2 to 5 are empty, page 1 has the global maps, page 6 four usage maps; the free
+// pages begin behind it.
+class StorageFile {
+ public:
+  static constexpr PageNumber kFirstFreePage = 7;
+  static constexpr PageNumber kTable = 40000;  // an owner's name; no such page need exist
+  static constexpr RowPointer kOwned{6, 0};
+  static constexpr RowPointer kWithRoom{6, 1};
+  static constexpr RowPointer kValuesOwned{6, 2};
+  static constexpr RowPointer kValuesWithRoom{6, 3};
+
+  explicit StorageFile(std::uint32_t page_key = 0);
+
+  // The file as another process finds it: what the disk has, nothing of what was in memory.
+  void Reopen(std::size_t cache_pages = Pager::kDefaultCachePages);
+
+  // Puts other pages onto the disk and reopens.
+  void Load(const std::vector<PageBytes>& pages);
+
+  MemoryDisk& disk() { return *disk_; }
+  Pager& pager() { return *pager_; }
+  PageAllocator& allocator() { return *allocator_; }
+  // A row store on the table's maps. Every call makes one, as the engine's callers may.
+  RowStore Rows() { return {*pager_, *allocator_, kTable, kOwned, kWithRoom}; }
+  UsageMap Map(RowPointer at, MapKind kind = MapKind::kOwned) {
+    return {*pager_, *allocator_, at, kind};
+  }
+
+  // What is wrong with maps, slots and overflow rows, one line each; read from the disk's bytes by
+  // code of its own. `leaks` says whether pages that are neither owned nor free count.
+  std::vector<std::string> Faults(bool leaks = true) const;
+
+ private:
+  std::shared_ptr<MemoryDisk> disk_;
+  std::uint32_t page_key_;
+  std::unique_ptr<Pager> pager_;
+  std::unique_ptr<PageAllocator> allocator_;
+};
+
+// Bytes that differ from row to row: a number, then filling that depends on it.
+Bytes TestBytes(std::uint32_t number, std::size_t length);
+
+}  // namespace jet::test

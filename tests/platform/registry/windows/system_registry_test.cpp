@@ -1,0 +1,90 @@
+// The real registry: both views of the machine's part, and values of every kind.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <string>
+
+#include "platform/registry/registry.h"
+
+namespace registry {
+namespace {
+
+// Keys of the test's own, removed at the end.
+class SystemRegistryTest : public testing::Test {
+ protected:
+  ~SystemRegistryTest() override {
+    RegDeleteKeyExW(HKEY_CURRENT_USER, key_.c_str(), 0, 0);
+    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, key_.c_str(), KEY_WOW64_32KEY, 0);
+    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, key_.c_str(), KEY_WOW64_64KEY, 0);
+  }
+
+  void Store(HKEY root, REGSAM view, const wchar_t* name, DWORD type, const void* data,
+             std::size_t size) {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(root, key_.c_str(), 0, nullptr, 0, KEY_SET_VALUE | view, nullptr,
+                              &key, nullptr),
+              ERROR_SUCCESS);
+    ASSERT_EQ(RegSetValueExW(key, name, 0, type, static_cast<const BYTE*>(data),
+                             static_cast<DWORD>(size)),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+  }
+  void StoreMachine(REGSAM view, const wchar_t* name, const std::wstring& text) {
+    Store(HKEY_LOCAL_MACHINE, view, name, REG_SZ, text.c_str(),
+          (text.size() + 1) * sizeof(wchar_t));
+  }
+  std::optional<Value> ReadUser(const wchar_t* name) const {
+    return registry_->Read(RootKey::kCurrentUser, key_ + L"\\", name);
+  }
+  std::optional<Value> ReadMachine(const wchar_t* name) const {
+    return registry_->Read(RootKey::kLocalMachine, key_ + L"\\", name);
+  }
+
+  const std::wstring key_ = L"Software\\orvpap-test-" + std::to_wstring(GetCurrentProcessId());
+  std::unique_ptr<Registry> registry_ = MakeSystemRegistry();
+};
+
+TEST_F(SystemRegistryTest, ReadsEveryKindOfValue) {
+  EXPECT_EQ(ReadUser(L"missing key"), std::nullopt);
+  const DWORD number = 0x80000001;
+  // Without a terminating zero, and long enough to need a second attempt.
+  const std::wstring unterminated(1000, L'\u20AC');
+  const std::wstring inner(L"a\0b", 4);
+  Store(HKEY_CURRENT_USER, 0, L"number", REG_DWORD, &number, sizeof(number));
+  Store(HKEY_CURRENT_USER, 0, L"short number", REG_DWORD, &number, 2);
+  Store(HKEY_CURRENT_USER, 0, L"unterminated", REG_SZ, unterminated.data(),
+        unterminated.size() * sizeof(wchar_t));
+  Store(HKEY_CURRENT_USER, 0, L"inner zero", REG_SZ, inner.data(), inner.size() * sizeof(wchar_t));
+  Store(HKEY_CURRENT_USER, 0, L"empty", REG_SZ, nullptr, 0);
+  Store(HKEY_CURRENT_USER, 0, L"expand", REG_EXPAND_SZ, L"x", 4);
+  Store(HKEY_CURRENT_USER, 0, L"binary", REG_BINARY, &number, sizeof(number));
+  EXPECT_EQ(ReadUser(L"NUMBER"), Value(0x80000001U));
+  EXPECT_EQ(ReadUser(L"short number"), Value(OtherKind{}));
+  EXPECT_EQ(ReadUser(L"unterminated"), Value(unterminated));
+  EXPECT_EQ(ReadUser(L"inner zero"), Value(std::wstring(L"a\0b", 3)));
+  EXPECT_EQ(ReadUser(L"empty"), Value(std::wstring()));
+  EXPECT_EQ(ReadUser(L"expand"), Value(OtherKind{}));
+  EXPECT_EQ(ReadUser(L"binary"), Value(OtherKind{}));
+  EXPECT_EQ(ReadUser(L"missing"), std::nullopt);
+}
+
+TEST_F(SystemRegistryTest, WritesCreateTheKey) {
+  registry_->WriteText(RootKey::kCurrentUser, key_ + L"\\", L"a", L"Pr\u00E9 \u20AC");
+  EXPECT_EQ(ReadUser(L"A"), Value(L"Pr\u00E9 \u20AC"));
+  registry_->WriteText(RootKey::kCurrentUser, key_, L"a", L"");
+  EXPECT_EQ(ReadUser(L"a"), Value(std::wstring()));
+}
+
+TEST_F(SystemRegistryTest, TheViewOf32BitProgramsGoesFirst) {
+  StoreMachine(KEY_WOW64_64KEY, L"a", L"64");
+  EXPECT_EQ(ReadMachine(L"a"), Value(L"64"));
+  StoreMachine(KEY_WOW64_32KEY, L"a", L"32");
+  EXPECT_EQ(ReadMachine(L"a"), Value(L"32"));
+  StoreMachine(KEY_WOW64_64KEY, L"b", L"64");
+  EXPECT_EQ(ReadMachine(L"b"), Value(L"64")) << "the key is in both views, the value in one";
+  registry_->WriteText(RootKey::kLocalMachine, key_, L"b", L"written");
+  EXPECT_EQ(ReadMachine(L"b"), Value(L"written"));
+}
+
+}  // namespace
+}  // namespace registry

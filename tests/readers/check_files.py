@@ -1,0 +1,124 @@
+#!/usr/bin/env python3
+"""Checks with independent readers that what we read and write is what is in the file.
+
+    check_files.py --paptool PATH --modules FOLDER
+
+After each update of the demo installation, applied one by one, the product table must pass
+`paptool check` and be the same in every reader (see compare_readers.py). The folder that
+ORVPAP_CHANGED_FILES names holds files without password that other tests changed; they are read too.
+Where ORVPAP_SHARED names the folder of sample files, its files are read, and the demo's updates are
+applied to copies of its product tables. Exits with 1 when anything differs.
+"""
+
+import argparse
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+HERE = pathlib.Path(__file__).resolve().parent
+PASSWORD = "quorbelintax"
+
+# Exit statuses of `paptool apply`: every record taken, or some refused.
+APPLIED, REFUSALS = 0, 1
+
+
+class Checks:
+    """Runs the checks and remembers whether one failed."""
+
+    def __init__(self, options):
+        self.paptool = options.paptool.resolve()
+        self.modules = options.modules
+        self.failures = 0
+
+    def fail(self, text):
+        print(f"FAILED: {text}")
+        self.failures += 1
+
+    def run(self, *command):
+        """A paptool command; what it printed is shown only when it fails unexpectedly."""
+        return subprocess.run([self.paptool, *map(str, command)], capture_output=True, text=True,
+                              check=False, stdin=subprocess.DEVNULL)
+
+    def compare(self, file, password, *options):
+        """Every reader must see the same in this file."""
+        command = [sys.executable, HERE / "compare_readers.py", file, "--password", password,
+                   "--paptool", self.paptool, "--modules", self.modules, *options]
+        if subprocess.run(list(map(str, command)), check=False).returncode != 0:
+            self.fail(f"the readers disagree about {file}")
+
+    def check(self, file, password, *options):
+        """A file must be sound and the same in every reader."""
+        done = self.run("check", "--table", file, "--password", password)
+        if done.returncode != 0:
+            self.fail(f"paptool check of {file}:\n{done.stdout}{done.stderr}")
+        self.compare(file, password, *options)
+
+    def apply(self, updates, table):
+        """Applies updates one by one, with a check after each; returns their exit statuses."""
+        statuses = []
+        for update in updates:
+            done = self.run("apply", "--table", table, update)
+            statuses.append(done.returncode)
+            refused = sum(line.startswith("! ") for line in done.stdout.splitlines())
+            print(f"{update.name} into {table.name}: exit status {done.returncode}, "
+                  f"{refused} refusals")
+            if done.returncode not in (APPLIED, REFUSALS):
+                self.fail(f"apply {update.name}:\n{done.stdout}{done.stderr}")
+            self.check(table, PASSWORD)
+        return statuses
+
+
+def files_in(folder, pattern):
+    return sorted(pathlib.Path(folder).glob(pattern)) if folder else []
+
+
+def check_demo(checks, work):
+    """The demo installation, whose updates are returned."""
+    demo = work / "demo"
+    done = checks.run("demo", demo)
+    updates = files_in(demo / "PAP32", "*.PRC")
+    if done.returncode != 0 or not updates:
+        checks.fail(f"paptool demo:\n{done.stdout}{done.stderr}")
+        return []
+    checks.check(demo / "Orv.pt", PASSWORD)
+    statuses = checks.apply(updates, demo / "Orv.pt")
+    if set(statuses) != {APPLIED, REFUSALS}:
+        checks.fail(f"the demo should have updates with and without refusals, found {statuses}")
+    return updates
+
+
+def check_samples(checks, work, shared, updates):
+    """The sample files kept beside the project."""
+    if not shared:
+        print("ORVPAP_SHARED is not set: no sample files are read")
+        return
+    for sample in files_in(shared, "jet/samples/*.mdb"):
+        checks.compare(sample, "", "--lenient")
+    for original in files_in(shared, "product-tables/*.pt"):
+        checks.compare(original, PASSWORD)
+        table = work / original.name
+        shutil.copyfile(original, table)
+        checks.apply(updates, table)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
+    parser.add_argument("--paptool", type=pathlib.Path, required=True)
+    parser.add_argument("--modules", type=pathlib.Path, required=True)
+    checks = Checks(parser.parse_args())
+    # Lines of the comparing processes and our own must come in order.
+    sys.stdout.reconfigure(line_buffering=True)
+    with tempfile.TemporaryDirectory(prefix="orvpap-readers-") as folder:
+        work = pathlib.Path(folder)
+        updates = check_demo(checks, work)
+        check_samples(checks, work, os.environ.get("ORVPAP_SHARED"), updates)
+        for changed in files_in(os.environ.get("ORVPAP_CHANGED_FILES"), "*.mdb"):
+            checks.check(changed, "", "--lenient")
+    return 1 if checks.failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

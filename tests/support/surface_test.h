@@ -1,0 +1,63 @@
+// The services of the program for a test of its surface, and a product table to work on.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/modShared.h"
+#include "platform/database/connection.h"
+#include "platform/text/variant.h"
+#include "tests/support/numbered_texts.h"
+#include "tests/support/recording_prompt.h"
+#include "tests/support/temporary_folder.h"
+
+namespace test_support {
+
+// Installs shared settings whose services record: message boxes in `prompt`, texts as numbers.
+class SurfaceTest : public testing::Test {
+ protected:
+  SurfaceTest();
+  ~SurfaceTest() override;  // closes ProductConnection
+
+  TemporaryFolder folder;
+  RecordingPrompt prompt;
+  NumberedTexts texts;
+  SharedSettings settings;
+
+ private:
+  SharedSettingsScope scope_;
+};
+
+// With a new product table, empty but for its identity row.
+class ProductTableTest : public SurfaceTest {
+ protected:
+  ProductTableTest();
+
+  // A connection to the product table, opened at the first call.
+  database::Connection& Connection();
+  // Closes it, for a test that changes the file by other means.
+  void CloseConnection();
+
+  using Values = std::map<std::wstring, text::Variant>;
+  // Adds a row by itself, past all record writers.
+  void AddRow(const std::wstring& table, const Values& values);
+
+  // What a statement selects, a text a row: the named columns separated by "|", Null as "Null",
+  // numbers with ".", in the order of the rows. In UTF-8, which a failing test can print.
+  std::vector<std::string> Rows(const std::wstring& statement,
+                                const std::vector<std::wstring>& columns);
+
+  const std::wstring product_table;
+
+ private:
+  std::unique_ptr<database::Connection> connection_;
+};
+
+// A connection to any database file.
+std::unique_ptr<database::Connection> OpenConnection(const std::wstring& path,
+                                                     const std::wstring& password);
+
+}  // namespace test_support

@@ -1,0 +1,117 @@
+// paptool apply: what it prints, where, and with which exit status.
+#include <gmock/gmock.h>
+
+#include "tests/tools/paptool_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kGood[] =
+    "[VERSION]\r\n3.2\r\n\r\n[ASSORTMENTCODE]\r\nBEAMS\r\n\r\n[ASSORTMENTDESCRIPTION]"
+    "\r\nBeams\r\n\r\n"
+    "[SUPPLIERCODE]\r\nS1\r\n\r\n[SUPPLIERDESCRIPTION]\r\nFirst\r\n\r\n[PrcDate]"
+    "\r\n20260105\r\n\r\n"
+    "[NEW SUPPLIER]\r\n\"S1\",\"First\",1,2\r\n\r\n"
+    "[NEW ASSORTMENT]\r\n\"BEAMS\",\"Beams\",1,1,True,True,0,\"\"\r\n\r\n"
+    "[NEW ASSSUPPL]\r\n\"BEAMS\",\"S1\",1\r\n\r\n";
+
+class ApplyCommandTest : public PaptoolTest {
+ protected:
+  ProgramOutcome Apply(const std::string& table, std::vector<std::string> updates) {
+    std::vector<std::string> arguments = {"apply", "--table", table, "--language", language_};
+    arguments.insert(arguments.end(), updates.begin(), updates.end());
+    return Run(arguments);
+  }
+
+ private:
+  const std::string language_ = MakeLanguageFile();
+};
+
+TEST_F(ApplyCommandTest, PrintsWhatTheListShows) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  folder.Write("bad.prc", std::string(kGood) + "[UPDATE PRICEDATA]\r\n\"X\",1,1,1,1,1,,,\r\n");
+  const std::string good = Path("good.PRC");
+  const std::string bad = Path("bad.prc");
+
+  const ProgramOutcome once = Apply(table, {good});
+  EXPECT_EQ(once.status, 0);
+  EXPECT_THAT(Lines(once.out),
+              ElementsAre("T59\t" + good, "T60\tBEAMS - Beams", "T61\tS1 - First", "T59\tT62"));
+  EXPECT_THAT(once.err, IsEmpty());
+
+  // A refusal in one update stops neither it nor the next.
+  const ProgramOutcome both = Apply(table, {bad, good});
+  EXPECT_EQ(both.status, 1);
+  EXPECT_THAT(Lines(both.out),
+              ElementsAre("T59\t" + bad, "T60\tBEAMS - Beams", "T61\tS1 - First", "! T64\tT101 X",
+                          "T59\tT62",  //
+                          "T59\t" + good, "T60\tBEAMS - Beams", "T61\tS1 - First", "T59\tT62"));
+  EXPECT_THAT(both.err, IsEmpty());
+}
+
+// Nothing is opened before all updates are known to be usable.
+TEST_F(ApplyCommandTest, UnusableUpdatesStopEverything) {
+  folder.Write("good.PRC", kGood);
+  folder.Write("good.txt", kGood);
+  folder.Write("old.PRC", "[VERSION]\r\n3.20\r\n");
+  folder.Write("empty.PRC", "");
+  folder.Write("folder.PRC/inside", "");
+  for (const char* name : {"missing.PRC", "good.txt", "old.PRC", "empty.PRC", "folder.PRC"}) {
+    SCOPED_TRACE(name);
+    const ProgramOutcome outcome = Apply(Path("no such table.pt"), {Path("good.PRC"), Path(name)});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.out, IsEmpty());
+    ASSERT_EQ(Lines(outcome.err).size(), 1u);
+    EXPECT_THAT(outcome.err, HasSubstr(Path(name)));
+  }
+}
+
+TEST_F(ApplyCommandTest, MessageBoxesAreLinesOnStandardError) {
+  folder.Write("good.PRC", kGood);
+  const std::string table = Path("missing.pt");
+  const ProgramOutcome outcome = Apply(table, {Path("good.PRC")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.out, IsEmpty());
+  EXPECT_THAT(Lines(outcome.err),
+              ElementsAre("T104 / Procedure = clsConnection.MakenJetConnectie (Function) / "
+                          "Error = 3024: Could not find file '" +
+                              table + "'.",
+                          "T56"));
+}
+
+TEST_F(ApplyCommandTest, LanguageFileMustBeOne) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  folder.Write("text.lng", "no language at all\n");
+  for (const char* name : {"text.lng", "missing.lng"}) {
+    const ProgramOutcome outcome =
+        Run({"apply", "--table", table, "--language", Path(name), Path("good.PRC")});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.err, HasSubstr(name));
+  }
+}
+
+// The languages that the program brings along.
+TEST_F(ApplyCommandTest, DutchIsTheDefaultAndEnglishIsThere) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  EXPECT_THAT(Run({"apply", "--table", table, Path("good.PRC")}).out,
+              HasSubstr("\nLeverancier\tS1 - First\n"));
+  EXPECT_THAT(Run({"apply", "--table", table, "--language", "english.lng", Path("good.PRC")}).out,
+              HasSubstr("\nSupplier\tS1 - First\n"));
+}
+
+TEST_F(ApplyCommandTest, OtherPasswordIsTried) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  const ProgramOutcome outcome =
+      Run({"apply", "--table", table, "--password", "wrong", Path("good.PRC")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("3031: Not a valid password."));
+}
+
+}  // namespace

@@ -1,0 +1,28 @@
+// Runs paptool on files in a temporary folder.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/temporary_folder.h"
+#include "tests/tools/run_program.h"
+
+class PaptoolTest : public testing::Test {
+ protected:
+  PaptoolTest();
+
+  ProgramOutcome Run(const std::vector<std::string>& arguments) const;
+  // The path of a file in the folder, as paptool prints it.
+  std::string Path(const std::filesystem::path& name) const;
+  // A new product table, empty but for its identity row.
+  std::string MakeProductTable() const;
+  // A language file whose text 59 is "T59" and so on; a text that is filled is "T67 %s".
+  std::string MakeLanguageFile() const;
+
+  const test_support::TemporaryFolder folder;
+};
+
+// The lines of an output, without their ends.
+std::vector<std::string> Lines(const std::string& output);

@@ -1,0 +1,53 @@
+// paptool demo: makes a demo installation.
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "app/modShared.h"
+#include "demo/installation.h"
+#include "platform/files/paths.h"
+#include "tools/paptool/commands.h"
+#include "tools/paptool/console.h"
+#include "tools/paptool/console_prompt.h"
+#include "tools/paptool/paths.h"
+
+namespace paptool {
+namespace {
+
+struct DemoOptions {
+  std::string folder;
+  bool force = false;
+};
+
+int Demo(const DemoOptions& options) {
+  const std::wstring folder = AbsolutePath(options.folder);
+  const std::filesystem::path table = files::ToPath(folder) / demo::kProductTableFile;
+  if (!options.force && std::filesystem::exists(table)) {
+    PrintError(L"there is a product table already: " + files::ToText(table) +
+               L"\nGive another folder, or --force to make a new one in its place.");
+    return kWrongUsage;
+  }
+
+  ConsolePrompt prompt;
+  SharedSettings settings;
+  settings.objPrompt = &prompt;
+  const SharedSettingsScope scope(settings);
+  demo::MakeInstallation(files::ToPath(folder), ProgramFile());
+  PrintLine(L"The demo installation is in " + folder + L".");
+  return kDone;
+}
+
+}  // namespace
+
+void AddDemoCommand(CLI::App& app, Work& work) {
+  CLI::App* command = app.add_subcommand(
+      "demo", "Make a demo installation: product table, update files, settings, texts");
+  auto options = std::make_shared<DemoOptions>();
+  command->add_option("DIR", options->folder, "The folder; it is made where it is missing")
+      ->required();
+  command->add_flag("--force", options->force,
+                    "Replace a product table that is in the folder already");
+  command->footer("Puts this program there too, so that the folder runs by itself.");
+  command->callback([&work, options] { work = [options] { return Demo(*options); }; });
+}
+
+}  // namespace paptool

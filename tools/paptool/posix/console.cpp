@@ -1,0 +1,21 @@
+// Arguments and output are UTF-8 already; the kernel knows the program's file.
+#include "tools/paptool/console.h"
+
+#include "platform/files/file_error.h"
+
+namespace paptool {
+
+std::vector<std::string> Arguments(int argc, const char* const* argv) {
+  return {argv + (argc > 0 ? 1 : 0), argv + argc};
+}
+
+std::filesystem::path ProgramFile() {
+  std::error_code error;
+  std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) throw files::FileError(files::kFileNotFound);
+  return file;
+}
+
+void PrepareOutput() {}
+
+}  // namespace paptool

@@ -1,0 +1,68 @@
+// paptool rows: the rows of one table as tab-separated text.
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "platform/database/errors.h"
+#include "platform/text/code_page.h"
+#include "tools/paptool/commands.h"
+#include "tools/paptool/console.h"
+#include "tools/paptool/product_table_options.h"
+#include "tools/paptool/value_text.h"
+
+namespace paptool {
+namespace {
+
+struct RowsOptions {
+  ProductTableOptions product_table;
+  std::string table;
+};
+
+std::string ColumnNames(const jet::Table& table) {
+  std::string line;
+  for (const jet::ColumnDefinition& column : table.columns()) {
+    if (!line.empty()) line += '\t';
+    line += Escaped(text::WideToUtf8(text::Utf16ToWide(column.name)));
+  }
+  return line;
+}
+
+std::string RowText(const jet::Row& row) {
+  std::string line;
+  bool first = true;
+  for (const jet::Value& value : row) {
+    if (!first) line += '\t';
+    first = false;
+    line += ValueText(value);
+  }
+  return line;
+}
+
+int Rows(const RowsOptions& options) {
+  const std::unique_ptr<jet::Database> database = OpenToRead(options.product_table);
+  return database::Translated(options.product_table.AbsolutePath(), [&] {
+    const jet::Table& table =
+        database->OpenTable(text::WideToUtf16(text::Utf8ToWide(options.table)));
+    PrintLine(ColumnNames(table));
+    jet::Table::Scan rows = table.ScanRows();
+    while (const std::optional<jet::StoredRowValues> row = rows.Next()) {
+      PrintLine(RowText(row->values));
+    }
+    return kDone;
+  });
+}
+
+}  // namespace
+
+void AddRowsCommand(CLI::App& app, Work& work) {
+  CLI::App* command = app.add_subcommand("rows", "Print the rows of a table");
+  auto options = std::make_shared<RowsOptions>();
+  AddProductTableOptions(*command, options->product_table);
+  command->add_option("TABLE", options->table, "The table's name; `paptool tables` lists them all")
+      ->required();
+  command->footer(
+      "A line of column names, then a line a row, separated by tabs. Null is \\N; tab, CR, LF and\n"
+      "backslash in a text are \\t \\r \\n \\\\. UTF-8.");
+  command->callback([&work, options] { work = [options] { return Rows(*options); }; });
+}
+
+}  // namespace paptool

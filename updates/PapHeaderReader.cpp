@@ -1,0 +1,55 @@
+// Takes the header of a price-update file, line by line, into a price-update object.
+#include "updates/PapHeaderReader.h"
+
+#include "app/modGeneralFunctions.h"
+#include "platform/text/date.h"
+#include "platform/text/strings.h"
+
+namespace {
+
+const PapHeaderField* FindField(const std::wstring& vLine) {
+  for (const PapHeaderField& field : kPapHeaderFields) {
+    if (text::EqualsNoCase(field.Section, vLine)) return &field;
+  }
+  return nullptr;
+}
+
+// The number in the characters from `vStart` (from 0) on; a line that is too short gives 0.
+std::int32_t NumberIn(const std::wstring& vLine, std::size_t vStart, std::size_t vLength) {
+  return vStart < vLine.size() ? ExtractNumber(vLine.substr(vStart, vLength)) : 0;
+}
+
+// From yyyymmdd. Months and days outside their range roll over.
+double DateOf(const std::wstring& vLine) {
+  return text::DateSerial(NumberIn(vLine, 0, 4), NumberIn(vLine, 4, 2), NumberIn(vLine, 6, 2));
+}
+
+}  // namespace
+
+bool PapHeaderReader::ReadLine(const std::wstring& vLine) {
+  if (m_atEnd) return false;
+  if (text::Trim(vLine).empty()) return true;
+  using PrcFileFormat::Section;
+  if (const PapHeaderField* field = FindField(vLine)) {
+    m_current = field;
+  } else if (text::EqualsNoCase(vLine, PrcFileFormat::FormatOf(Section::kNewSupplier).Line)) {
+    m_atEnd = true;
+  } else if (m_current != nullptr) {
+    ReadValue(vLine);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void PapHeaderReader::ReadValue(const std::wstring& vLine) {
+  if (m_current->Date != nullptr) {
+    m_orvPap.*m_current->Date = DateOf(vLine);
+  } else if (m_current->Text == &clsOrvPap::Remark) {
+    std::wstring& remark = m_orvPap.Remark;
+    if (!remark.empty()) remark += L"\r\n";
+    remark += vLine;
+  } else {
+    m_orvPap.*m_current->Text = text::Trim(vLine);
+  }
+}
