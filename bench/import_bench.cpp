@@ -1,7 +1,8 @@
 // How fast an update of N articles and N prices is imported, beside the same work done with SQLite.
 //
-// Counters: records/s (a record is an article with its dimensions, or a price), peak_MB (the process's
-// peak memory during the import) and pages_written (pages of 4096 bytes written to the product table).
+// Counters: records/s (a record is an article with its dimensions, or a price), peak_MB (the
+// process's peak memory during the import) and pages_written (pages of 4096 bytes written to the
+// product table).
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -65,8 +66,8 @@ void ImportUpdate(benchmark::State& state) {
     }
     ReportRecords(state, seconds.count());
     state.counters["peak_MB"] = PeakMemory::Megabytes();
-    state.counters["pages_written"] = static_cast<double>(
-        ProductConnection->Connection->session()->database().pages_written());
+    state.counters["pages_written"] =
+        static_cast<double>(ProductConnection->Connection->session()->database().pages_written());
     ProductConnection.reset();
   }
 }

@@ -53,8 +53,7 @@ class Statement {
   std::int64_t Run() {
     const int result = sqlite3_step(statement_.get());
     Check(database_, result);
-    const std::int64_t value =
-        result == SQLITE_ROW ? sqlite3_column_int64(statement_.get(), 0) : 0;
+    const std::int64_t value = result == SQLITE_ROW ? sqlite3_column_int64(statement_.get(), 0) : 0;
     Check(database_, sqlite3_reset(statement_.get()));
     return value;
   }
@@ -96,8 +95,8 @@ double ImportWithSqlite(const std::filesystem::path& path, std::size_t articles,
   Statement add_article(database.get(),
                         "INSERT INTO Article (fkSerie, Code, Description, Description2) "
                         "VALUES (?1, ?2, ?3, ?4)");
-  Statement add_dimensions(database.get(),
-                           "INSERT INTO ArtDimL VALUES (?1, ?2, ?3, ?3, ?4, ?4, ?5, 0, 0, ?6, ?6, 0)");
+  Statement add_dimensions(
+      database.get(), "INSERT INTO ArtDimL VALUES (?1, ?2, ?3, ?3, ?4, ?4, ?5, 0, 0, ?6, ?6, 0)");
   Statement find_price(database.get(),
                        "SELECT rowid FROM ArtPrice WHERE fkArticle = ?1 AND fkSupplier = 1");
   Statement add_price(database.get(),

@@ -47,8 +47,8 @@ SyntheticArticle MakeArticle(std::size_t i) {
   article.flange = 5 + number % 35;
   article.web = 4 + number % 20;
   article.section = article.height * article.web + 2 * article.width * article.flange;
-  article.description = Format("Section %.0f x %.0f x %.0f", article.height, article.width,
-                               article.web);
+  article.description =
+      Format("Section %.0f x %.0f x %.0f", article.height, article.width, article.web);
   article.description2 = Format("S235JR+AR lot %u", number);
   article.price = 600 + number % 7919 * 0.05;
   article.surcharge = number % 97 * 0.25;
@@ -62,8 +62,8 @@ void WriteSyntheticUpdate(const std::filesystem::path& path, std::size_t article
   for (std::size_t i = 0; i < articles; ++i) {
     const SyntheticArticle a = MakeArticle(i);
     file << Format("\"BENCHSER\",\"%s\",\"%s\",\"%s\",%g,%g,%g,%g,%g,%g,0,0,%g,%g,0,0,0,0,\"\"\r\n",
-                   a.code.c_str(), a.description.c_str(), a.description2.c_str(), a.height,
-                   a.width, a.width, a.flange, a.flange, a.web, a.section, a.section);
+                   a.code.c_str(), a.description.c_str(), a.description2.c_str(), a.height, a.width,
+                   a.width, a.flange, a.flange, a.web, a.section, a.section);
   }
   file << "\r\n[UPDATE PRICEDATA]\r\n";
   for (std::size_t i = 0; i < articles; ++i) {

@@ -86,7 +86,7 @@ void CheckRights(State& state) {
     const Object object = ReadObject(row);
     if (NeedsRights(object.type) && !objects_with_rights.contains(object.id))
       state.problems.Add("object ", ToUtf8(object.name), " has no rights in the catalog");
-    const Bytes owner = row.Get<Bytes>(u"Owner");
+    const auto owner = row.Get<Bytes>(u"Owner");
     if (object.id == static_cast<std::int32_t>(kObjects) &&
         !std::ranges::equal(state.header.MaskSecurityId(owner), account::kEngine))
       state.problems.Add("the catalog's owner does not fit page 0");

@@ -13,14 +13,14 @@
 namespace jet {
 
 struct OpenOptions {
-  std::u16string password;  // compared exactly; a file without password accepts any
+  std::u16string password{};  // compared exactly; a file without password accepts any
   bool read_only = false;
 };
 
 struct CreateOptions {
-  std::u16string password;
+  std::u16string password{};
   bool encode = false;  // encode pages with a random key
-  Collation collation;
+  Collation collation{};
 };
 
 // The open file. Tables handed out belong to it. Not synchronised: use from one thread.
@@ -52,7 +52,8 @@ class Database {
   // Each is done whole or not at all. kTableExists, kObjectExists, kBadName, kTooManyIndexes ...
   void CreateTable(const TableSpec& spec);
   void CreateIndex(std::u16string_view table, const IndexSpec& spec);
-  // kNoParentRow when a row breaks it, kObjectNotFound when the referenced columns have no unique index.
+  // kNoParentRow when a row breaks it, kObjectNotFound when the referenced columns have no unique
+  // index.
   void CreateRelationship(const RelationshipSpec& spec);
 
   struct Relationship {

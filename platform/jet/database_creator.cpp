@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/jet/data_page.h"
 #include "platform/jet/database_impl.h"
@@ -112,7 +113,7 @@ void AddRights(Catalog& catalog) {
 // A file that goes away again unless it was given its final name.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::filesystem::path& beside) : path_(beside) {
+  explicit TemporaryFile(std::filesystem::path beside) : path_(std::move(beside)) {
     path_ += "." + std::to_string(std::random_device{}()) + ".new";
   }
   ~TemporaryFile() {

@@ -18,9 +18,9 @@ Guid RandomGuid();
 
 // The expression that a column's DefaultValue property holds.
 //
-// Understood are numbers, texts in quotes, Yes, No, True, False, On, Off and Null, Date() and Now(),
-// GenGUID() and GenUniqueID(), each with or without "=" in front. Anything else is kept as "unknown":
-// a row that needs it cannot be inserted.
+// Understood are numbers, texts in quotes, Yes, No, True, False, On, Off and Null, Date() and
+// Now(), GenGUID() and GenUniqueID(), each with or without "=" in front. Anything else is kept as
+// "unknown": a row that needs it cannot be inserted.
 class DefaultValue {
  public:
   // `expression` as the property holds it; "" and blanks mean no default.

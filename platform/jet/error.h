@@ -14,41 +14,41 @@ inline constexpr PageNumber kNoPage = std::numeric_limits<PageNumber>::max();
 
 enum class ErrorKind {
   // Opening.
-  kFileNotFound,       // names: path
-  kPathNotFound,       // names: path
-  kInUse,              // names: path; another process has the file open
-  kCannotOpen,         // names: path; no permission
-  kNotADatabase,       // names: path; not a Jet 4 file at all
-  kWrongPassword,      //
-  kDatabaseExists,     // names: path; creating over an existing file
+  kFileNotFound,    // names: path
+  kPathNotFound,    // names: path
+  kInUse,           // names: path; another process has the file open
+  kCannotOpen,      // names: path; no permission
+  kNotADatabase,    // names: path; not a Jet 4 file at all
+  kWrongPassword,   //
+  kDatabaseExists,  // names: path; creating over an existing file
   // Contents.
-  kDamaged,            // names: path when known; detail says what
-  kNotSupported,       // a part of the file that this engine does not write; detail says what
-  kReadOnly,           // a write to a file opened for reading only
+  kDamaged,       // names: path when known; detail says what
+  kNotSupported,  // a part of the file that this engine does not write; detail says what
+  kReadOnly,      // a write to a file opened for reading only
   // Objects.
-  kTableNotFound,      // names: table
-  kTableExists,        // names: table
-  kObjectNotFound,     // names: column, index or relationship
-  kObjectExists,       // names: column, index or relationship
-  kBadName,            // names: the refused name
-  kTooManyIndexes,     // names: table
-  kTooManyColumns,     // names: table
+  kTableNotFound,   // names: table
+  kTableExists,     // names: table
+  kObjectNotFound,  // names: column, index or relationship
+  kObjectExists,    // names: column, index or relationship
+  kBadName,         // names: the refused name
+  kTooManyIndexes,  // names: table
+  kTooManyColumns,  // names: table
   // Rows.
-  kDuplicateKey,       // names: index
-  kNullInRequired,     // names: table, column
-  kNullInKey,          // names: index
-  kZeroLength,         // names: table, column
-  kTooLong,            // names: column
-  kRowTooLarge,        //
-  kOutOfRange,         // names: column; a number that the column cannot hold
-  kTypeMismatch,       // names: column
-  kNoParentRow,        // names: the table in which the related row is required
-  kHasChildRows,       // names: the table that includes related rows
-  kValidationRule,     // names: rule, table or column
-  kRecordDeleted,      //
+  kDuplicateKey,    // names: index
+  kNullInRequired,  // names: table, column
+  kNullInKey,       // names: index
+  kZeroLength,      // names: table, column
+  kTooLong,         // names: column
+  kRowTooLarge,     //
+  kOutOfRange,      // names: column; a number that the column cannot hold
+  kTypeMismatch,    // names: column
+  kNoParentRow,     // names: the table in which the related row is required
+  kHasChildRows,    // names: the table that includes related rows
+  kValidationRule,  // names: rule, table or column
+  kRecordDeleted,   //
   // The machine.
-  kDiskFull,           //
-  kIo,                 // detail is the system's text
+  kDiskFull,  //
+  kIo,        // detail is the system's text
 };
 
 // Thrown by everything in this namespace. `page` is where reading stopped, kNoPage when that says

@@ -15,7 +15,10 @@ constexpr std::size_t kMaxIndexColumns = 10;
 constexpr std::size_t kMaxLogicalIndexes = 32;
 
 std::uint8_t FlagsOf(const IndexSpec& spec) {
-  using namespace index_flags;
+  using index_flags::kAlways;
+  using index_flags::kIgnoreNulls;
+  using index_flags::kRefuseNulls;
+  using index_flags::kUnique;
   if (spec.primary) return kAlways | kUnique | kRefuseNulls;
   return static_cast<std::uint8_t>(kAlways | (spec.unique ? kUnique : 0) |
                                    (spec.ignore_nulls ? kIgnoreNulls : 0) |

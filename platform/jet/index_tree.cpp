@@ -4,7 +4,6 @@
 #include <utility>
 
 namespace jet {
-namespace format = index_page_format;
 namespace {
 
 [[noreturn]] void ThrowEndlessChain(PageNumber leaf) {

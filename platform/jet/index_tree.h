@@ -112,7 +112,7 @@ class IndexTree {
 
   void RemoveLeaf(const Path& path);
   void RemoveChild(const Path& path, std::size_t level);
-  void CorrectBound(const Path& path, std::size_t level, const IndexEntry& last);
+  void CorrectBound(Path path, std::size_t level, const IndexEntry& last);
   void UnlinkLeaf(PageNumber leaf, PageNumber before);
   void UnlinkNode(PageNumber node);
   void CollapseRoot();

@@ -71,23 +71,31 @@ void IndexTree::RemoveChild(const Path& path, std::size_t level) {
   CorrectBound(path, level + 1, last);
 }
 
-// Lowers the entry above the path's page that bounds it to the page's new last entry. Left
-// standing, as a bound may be too high, where the node has no room for the new one.
-void IndexTree::CorrectBound(const Path& path, std::size_t level, const IndexEntry& last) {
-  for (; level <= path.height; ++level) {
+// Lowers the entry that bounds the path's page at `level` - 1 to that page's new last entry; splits
+// the node when it has no room for the new one. A bound that is too high would do no harm.
+void IndexTree::CorrectBound(Path path, std::size_t level, const IndexEntry& last) {
+  while (level <= path.height) {
     const Step& step = path.Above(level);
     const Page copy = pager_.Read(step.node);
     const IndexPage node(copy.view());
-    if (step.slot == node.count()) continue;  // a tail: the bound stands further up
+    if (step.slot == node.count()) {  // a tail: the bound stands further up
+      ++level;
+      continue;
+    }
     if (node.Compare(step.slot, last.key, last.row) <= 0) return;
     PageBytes image;
     std::ranges::copy(copy.view().bytes(), image.begin());
     ByteEditor editor(image, step.node);
     EraseEntry(editor, step.slot);
-    if (!InsertEntry(editor, step.slot, NodeEntryBytes(last, node.Child(step.slot)))) return;
+    if (!InsertEntry(editor, step.slot, NodeEntryBytes(last, node.Child(step.slot)))) {
+      Split(last, level);
+      path = Descend(last);
+      continue;
+    }
     std::ranges::copy(image, pager_.Edit(step.node).Slice(0, kPageSize).begin());
     const bool bounds_node = node.tail() == 0 && step.slot + 1 == node.count();
     if (!bounds_node) return;
+    ++level;
   }
 }
 

@@ -1,4 +1,5 @@
-// Names of tables, columns, indexes and relationships: which are allowed, and when two are the same.
+// Names of tables, columns, indexes and relationships: which are allowed, and when two are the
+// same.
 #pragma once
 
 #include <cstddef>

@@ -68,6 +68,7 @@ std::optional<std::size_t> FindUniqueIndex(const Table::Impl& table,
 
 std::vector<std::size_t> ChildColumns(const std::vector<ColumnPair>& pairs) {
   std::vector<std::size_t> columns;
+  columns.reserve(pairs.size());
   for (const ColumnPair& pair : pairs) columns.push_back(pair.child);
   return columns;
 }
@@ -146,6 +147,7 @@ class EndsCreator {
   // An index of the child that has these columns already, or a new one.
   std::size_t ChildIndex(const std::vector<ColumnPair>& pairs) {
     std::vector<IndexColumn> columns;
+    columns.reserve(pairs.size());
     for (const ColumnPair& pair : pairs)
       columns.push_back({.column_number = child_.definition.columns[pair.child].number});
     const auto& indexes = child_definition_.physical_indexes;
@@ -226,6 +228,7 @@ void CreateRelationship(Database::Impl& database, Table::Impl& child, Table::Imp
   const std::vector<ColumnPair> pairs = PairsOf(child, parent, spec);
   if (spec.enforced) {
     std::vector<std::size_t> referenced;
+    referenced.reserve(pairs.size());
     for (const ColumnPair& pair : pairs) referenced.push_back(pair.parent);
     const auto parent_index = FindUniqueIndex(parent, referenced);
     if (!parent_index)

@@ -15,13 +15,13 @@ namespace jet {
 // A row as it was and as it is to be.
 struct PlannedRow {
   Table::Impl* table = nullptr;
-  RowId id;                       // null until an inserted row has its place
-  std::optional<LoadedRow> old;   // nothing for an inserted row
-  const Row* values = nullptr;    // what it is to be; nullptr for a deleted row
-  Row own_values;                 // where `values` points once a cascade has changed them
+  RowId id;                                // null until an inserted row has its place
+  std::optional<LoadedRow> old;            // nothing for an inserted row
+  const Row* values = nullptr;             // what it is to be; nullptr for a deleted row
+  Row own_values;                          // where `values` points once a cascade has changed them
   std::optional<std::int32_t> autonumber;  // becomes the table's last one
-  unsigned amendments = 0;        // cascades that changed it
-  bool waiting = false;           // for its referencing rows to be looked at
+  unsigned amendments = 0;                 // cascades that changed it
+  bool waiting = false;                    // for its referencing rows to be looked at
 
   struct Entry {  // what the change means for one index
     std::size_t index = 0;

@@ -16,9 +16,9 @@ struct ColumnSpec {
   bool autonumber = false;
   bool required = false;
   std::optional<bool> allow_zero_length{};  // text and memo; unset writes "allowed"
-  bool compress = true;  // text and memo may be stored in one byte a character
-  std::uint8_t precision = 18;  // numeric
-  std::uint8_t scale = 0;       // numeric
+  bool compress = true;                     // text and memo may be stored in one byte a character
+  std::uint8_t precision = 18;              // numeric
+  std::uint8_t scale = 0;                   // numeric
 };
 
 struct IndexSpec {

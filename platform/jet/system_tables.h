@@ -13,7 +13,7 @@ namespace jet {
 struct SystemColumn {
   std::u16string_view name;
   ColumnType type = ColumnType::kLong;
-  std::uint16_t length = 0;     // bytes
+  std::uint16_t length = 0;    // bytes
   bool holds_account = false;  // a security id
 };
 

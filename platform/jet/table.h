@@ -50,7 +50,8 @@ class Table {
   // Nothing when no live row has this id. kDamaged.
   std::optional<Row> Read(RowId id) const;
 
-  // Walks the live rows by page and slot. Rows may be changed meanwhile (each is seen at most once).
+  // Walks the live rows by page and slot. Rows may be changed meanwhile (each is seen at most
+  // once).
   class Scan {
    public:
     std::optional<StoredRowValues> Next();

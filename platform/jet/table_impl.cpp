@@ -10,12 +10,6 @@
 
 namespace jet {
 
-namespace {
-
-constexpr std::uint8_t kCalculatedColumn = 0xc0;  // among a column's extra flags
-
-}  // namespace
-
 Table::Impl::Impl(Database::Impl& owner, CatalogEntry catalog_entry)
     : database(owner), entry(std::move(catalog_entry)) {
   Load();
@@ -64,8 +58,6 @@ void Table::Impl::Load() {
 }
 
 std::string Table::Impl::FindRefusal() const {
-  for (const ColumnDefinition& column : definition.columns)
-    if ((column.extra_flags & kCalculatedColumn) != 0) return "the table has a calculated column";
   for (std::size_t i = 0; i < indexes.size(); ++i) {
     if (!indexes[i].is_understood()) return "the table has " + indexes[i].refusal();
     const PhysicalIndex& physical = definition.physical_indexes[i];
@@ -160,7 +152,9 @@ bool Table::Impl::AutonumberLeads() {
 }
 
 void Table::Impl::AddRows(int difference) {
-  definition.row_count += static_cast<std::uint32_t>(difference);
+  // Other writers leave counts that are too small.
+  if (difference > 0 || definition.row_count > 0)
+    definition.row_count += static_cast<std::uint32_t>(difference);
   PatchRowCount(database.pager, definition.page, definition.row_count);
 }
 

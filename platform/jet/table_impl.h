@@ -54,8 +54,8 @@ struct Table::Impl {
   std::optional<LoadedRow> ReadRow(RowId id, LongValues long_values) const;
   LoadedRow Decode(const RawRow& raw, LongValues long_values) const;
 
-  // Whether a row's long values are wanted when it goes or a cascade changes it: observers see them,
-  // keys may be made of them, null may be refused. Skipped ones stay as they are.
+  // Whether a row's long values are wanted when it goes or a cascade changes it: observers see
+  // them, keys may be made of them, null may be refused. Skipped ones stay as they are.
   LongValues OldLongValues() const;
 
   // Rows whose leading index columns equal the values, each compared with the row itself, so that
@@ -73,8 +73,8 @@ struct Table::Impl {
   const std::vector<ParentLink>& parents();
   const std::vector<ChildLink>& children();
 
-  // The row's autonumber when it lies beyond the last one, in the direction of counting; nothing for
-  // random ones.
+  // The row's autonumber when it lies beyond the last one, in the direction of counting; nothing
+  // for random ones.
   std::optional<std::int32_t> LeadingAutonumber(const Row& row) const;
 
   // Whether no row has an autonumber beyond the last one handed out, so that the next is free.

@@ -49,7 +49,7 @@ struct Guid {
 
 struct Numeric {
   bool negative = false;
-  std::uint8_t scale = 0;                     // digits behind the mark
+  std::uint8_t scale = 0;                    // digits behind the mark
   std::array<std::uint32_t, 4> magnitude{};  // |value| * 10^scale, most significant word first
   auto operator<=>(const Numeric&) const = default;
 };

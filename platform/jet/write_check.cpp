@@ -18,13 +18,15 @@ bool IsAccount(const Bytes& id, std::span<const std::byte> account) {
 }
 
 std::string CheckAccounts(const Catalog& catalog) {
-  for (const CatalogEntry& entry : catalog.entries()) {
-    if (entry.id == static_cast<std::int32_t>(system_table::kObjects) &&
-        !IsAccount(entry.owner, account::kEngine))
-      return "its security ids do not fit its header";
-    if (entry.id == object_id::kDatabase && !IsAccount(entry.owner, account::kAdmin))
-      return "it is a secured file";
-  }
+  const auto owner_differs = [&](std::int32_t id, std::span<const std::byte> account_id) {
+    return std::any_of(catalog.entries().begin(), catalog.entries().end(),
+                       [&](const CatalogEntry& entry) {
+                         return entry.id == id && !IsAccount(entry.owner, account_id);
+                       });
+  };
+  if (owner_differs(static_cast<std::int32_t>(system_table::kObjects), account::kEngine))
+    return "its security ids do not fit its header";
+  if (owner_differs(object_id::kDatabase, account::kAdmin)) return "it is a secured file";
   const std::vector<AccessRight> rights = catalog.RightsTo(object_id::kTables);
   const bool open_to_users = std::any_of(
       rights.begin(), rights.end(),

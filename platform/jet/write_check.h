@@ -9,8 +9,8 @@ namespace jet {
 
 // Why nothing can be written to the file, in one sentence part; "" when it can: a former writer was
 // cut off, security ids that do not fit, rights taken from users, maps or system tables unlike
-// those of every sound file, replication. Reads the maps of all tables: a page that one of them owns
-// must not be offered as free.
+// those of every sound file, replication. Reads the maps of all tables: a page that one of them
+// owns must not be offered as free.
 std::string FindWriteRefusal(Database::Impl& database);
 
 }  // namespace jet

@@ -2,7 +2,7 @@
 // a failure stops.
 #include <gmock/gmock.h>
 
-#include <algorithm>
+#include <map>
 
 #include "platform/text/date.h"
 #include "platform/text/locale.h"
@@ -69,8 +69,8 @@ TEST_F(ImportTest, ASecondTimeChangesNothing) {
       {L"ArtPrice", {L"fkArticle", L"fkBPG", L"fkDiscount", L"PriceDim", L"CoatPrice"}},
   };
   const auto everything = [&] {
-    std::vector<std::vector<std::string>> rows;
-    for (const auto& [table, columns] : tables) rows.push_back(Rows(table, columns));
+    std::map<std::wstring, std::vector<std::string>> rows;
+    for (const auto& [table, columns] : tables) rows[table] = Rows(table, columns);
     return rows;
   };
   ASSERT_TRUE(Apply(kEverySection));

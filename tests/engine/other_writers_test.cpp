@@ -40,7 +40,9 @@ class OtherWritersTest : public test_support::ProductTableTest {
         ReadPapHeader(path, update);
         update.ShowListMessage = [&](const std::wstring& message, const std::wstring& detail,
                                      bool show, bool error) {
-          if (show || error) outcome.shown.push_back(text::WideToUtf8(message + L"|" + detail));
+          if (!show && !error) return;
+          outcome.shown.push_back(text::WideToUtf8(message));
+          outcome.shown.push_back(text::WideToUtf8(detail));
         };
         update.UpdatePT(product_table);
       }
@@ -94,11 +96,12 @@ class OtherWritersTest : public test_support::ProductTableTest {
   // first columns.
   void Add(std::vector<std::string>& all, const std::wstring& table,
            const std::vector<std::pair<std::wstring, const Codes*>>& keys,
-           std::vector<std::wstring> columns, const std::set<std::string>& wanted) {
-    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
-      columns.insert(columns.begin(), key->first);
-    }
-    for (const std::string& row : Rows(table, columns)) {
+           const std::vector<std::wstring>& columns, const std::set<std::string>& wanted) {
+    std::vector<std::wstring> all_columns;
+    all_columns.reserve(keys.size() + columns.size());
+    for (const auto& key : keys) all_columns.push_back(key.first);
+    all_columns.insert(all_columns.end(), columns.begin(), columns.end());
+    for (const std::string& row : Rows(table, all_columns)) {
       auto parts = Split(row);
       for (std::size_t i = 0; i < keys.size(); ++i) {
         const auto code = keys[i].second->find(parts[i]);
@@ -106,7 +109,7 @@ class OtherWritersTest : public test_support::ProductTableTest {
       }
       if (!wanted.contains(parts[0])) continue;
       std::string line = text::WideToUtf8(table);
-      for (const std::string& part : parts) line += "|" + part;
+      for (const std::string& part : parts) line.append("|").append(part);
       all.push_back(line);
     }
   }

@@ -149,7 +149,7 @@ TEST_F(PrcFileWriterTest, WhatWasReadIsWrittenAgain) {
   const text::ScopedLocale locale({.decimal_mark = L'.', .thousands_mark = L','});
   std::string bytes = kWritten;
   bytes.replace(bytes.find("\"HEA100\",,"), 10, "\"HEA100\",0,");
-  update.FilePath = files::ToText(folder.Write("in/a.PRC", bytes));
+  update.FilePath = files::ToText(folder.Write(std::filesystem::path("in") / "a.PRC", bytes));
   ASSERT_TRUE(update.GetPrcData());
   ASSERT_TRUE(update.SavePrcFile(folder.Text("out")));
   EXPECT_EQ(Written(), bytes);

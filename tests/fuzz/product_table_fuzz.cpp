@@ -1,9 +1,9 @@
 // Damages a database at chosen places, then opens, checks, dumps and changes it.
 //
 // The input is a list of patches to a sound database made at the start: three bytes of offset
-// (little-endian), one of length (its low three bits, plus 1), then the bytes. The highest bit of the
-// length cuts the file at the offset's page instead. So a few bytes reach any place of the file, and
-// the corpus stays small. Nothing but jet::Error may come out.
+// (little-endian), one of length (its low three bits, plus 1), then the bytes. The highest bit of
+// the length cuts the file at the offset's page instead. So a few bytes reach any place of the
+// file, and the corpus stays small. Nothing but jet::Error may come out.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -62,7 +62,8 @@ void FillDatabase(jet::Database& database) {
   jet::Table& suppliers = database.OpenTable(u"Supplier");
   jet::Table& articles = database.OpenTable(u"Article");
   for (int i = 0; i < kRows; ++i) {
-    jet::Row supplier{jet::Null{}, u"S" + Repeated(static_cast<char16_t>(u'A' + i % 26), 1 + i / 26),
+    jet::Row supplier{jet::Null{},
+                      u"S" + Repeated(static_cast<char16_t>(u'A' + i % 26), 1 + i / 26),
                       Repeated(u'n', i * 300)};
     suppliers.Insert(supplier);
     jet::Row article{jet::Null{},

@@ -36,8 +36,8 @@ class SilentPrompt final : public controls::Prompt {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const test_support::TemporaryFolder folder;
-  const std::wstring path = files::ToText(
-      folder.Write("UPDATE.PRC", {reinterpret_cast<const char*>(data), size}));
+  const std::wstring path =
+      files::ToText(folder.Write("UPDATE.PRC", {reinterpret_cast<const char*>(data), size}));
   std::filesystem::create_directories(folder / "written");
 
   BoundedEventPump pump;

@@ -16,7 +16,6 @@ namespace {
 
 using test_support::SurfaceTest;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 // What a database says about itself; a value that is not set is a Null.
 struct Identity {
@@ -35,7 +34,7 @@ class ConnectionTest : public SurfaceTest {
  protected:
   // A database that holds the table SysDBInfo, without its column `omitted`, and nothing else.
   std::wstring MakeDatabase(const std::wstring& password, const std::wstring& omitted = L"") {
-    const std::wstring path = folder.Text("a.pt");
+    std::wstring path = folder.Text("a.pt");
     std::filesystem::remove(files::ToPath(path));
     const auto created =
         database::DBEngine().CreateDatabase(path, password.empty() ? L"" : L";pwd=" + password);

@@ -17,7 +17,7 @@ namespace {
 // Made once: a copy is quicker than another new one.
 std::filesystem::path EmptyProductTable() {
   static const TemporaryFolder folder;
-  const std::filesystem::path path = folder / "empty.pt";
+  std::filesystem::path path = folder / "empty.pt";
   if (!std::filesystem::exists(path)) demo::CreateProductTable(files::ToText(path));
   return path;
 }

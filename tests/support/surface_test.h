@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,9 +19,11 @@ namespace test_support {
 
 // Installs shared settings whose services record: message boxes in `prompt`, texts as numbers.
 class SurfaceTest : public testing::Test {
+ public:
+  ~SurfaceTest() override;  // closes ProductConnection
+
  protected:
   SurfaceTest();
-  ~SurfaceTest() override;  // closes ProductConnection
 
   TemporaryFolder folder;
   RecordingPrompt prompt;

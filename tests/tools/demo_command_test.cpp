@@ -1,6 +1,7 @@
 // The demo installation: complete, able to run by itself, and true to the standards it quotes.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 
@@ -14,7 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 using testing::StartsWith;

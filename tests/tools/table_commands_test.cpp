@@ -1,7 +1,7 @@
 // paptool tables, rows and check: what they print of a database with every kind of value.
 #include <gmock/gmock.h>
 
-#include <limits>
+#include <algorithm>
 
 #include "platform/files/paths.h"
 #include "platform/jet/database.h"

@@ -10,9 +10,8 @@
 #include "tools/paptool/commands.h"
 #include "tools/paptool/console.h"
 
+namespace paptool {
 namespace {
-
-using namespace paptool;
 
 // What the user can do about an error, by its number; empty when there is no more to say.
 std::wstring Advice(std::int32_t number) {
@@ -80,9 +79,8 @@ int Run(const std::vector<std::string>& arguments) {
   return work();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+// The exit status.
+int Main(int argc, const char* const* argv) {
   try {
     std::ios::sync_with_stdio(false);  // quicker; all output goes through streams
     PrepareOutput();
@@ -99,3 +97,8 @@ int main(int argc, char** argv) {
   }
   return kFailed;
 }
+
+}  // namespace
+}  // namespace paptool
+
+int main(int argc, char** argv) { return paptool::Main(argc, argv); }

@@ -40,7 +40,7 @@ std::wstring Reason(const UnreadLine& line) {
 }
 
 void PrintField(std::wstring_view name, std::wstring_view value) {
-  PrintLine(text::WideToUtf8(name) + ": " + Escaped(text::WideToUtf8(value)));
+  PrintLine(text::WideToUtf8(name) + ": " + text::WideToUtf8(value));
 }
 
 void Print(const UpdateFileReport& report) {
@@ -48,7 +48,9 @@ void Print(const UpdateFileReport& report) {
   PrintField(L"Size", std::to_wstring(report.header.FileSize));
   for (const PapHeaderField& field : kPapHeaderFields) {
     const std::wstring_view name = field.Section.substr(1, field.Section.size() - 2);
-    PrintField(name, HeaderValue(report.header, field));
+    // Escaped, since a remark may have several lines.
+    PrintLine(text::WideToUtf8(name) + ": " +
+              Escaped(text::WideToUtf8(HeaderValue(report.header, field))));
   }
   for (std::size_t i = 0; i < report.records.size(); ++i) {
     PrintField(PrcFileFormat::kSections[i].Line, std::to_wstring(report.records[i]));

@@ -66,10 +66,10 @@ TEST(ColumnRulesTest, EachBrokenRuleIsNamedAndChangesNothing) {
       {1, std::int32_t{3}, {kTypeMismatch, {u"Code"}}},
       {2, std::int32_t{3}, {kTypeMismatch, {u"Grade"}}},
       {2, Null{}, {kNullInKey, {u"ByGrade"}}},
-      {1, u"aB-1", {kDuplicateKey, {u"ByCode"}}},    // case counts for nothing
-      {1, u"ab-1 ", {kDuplicateKey, {u"ByCode"}}},   // nor do blanks behind it
-      {1, u"\u0e01", {kNotSupported, {}}},           // no known place in the order
-      {1, u"\ufeffx", {kNotSupported, {u"Code"}}},   // would read back as compressed
+      {1, u"aB-1", {kDuplicateKey, {u"ByCode"}}},   // case counts for nothing
+      {1, u"ab-1 ", {kDuplicateKey, {u"ByCode"}}},  // nor do blanks behind it
+      {1, u"\u0e01", {kNotSupported, {}}},          // no known place in the order
+      {1, u"\ufeffx", {kNotSupported, {u"Code"}}},  // would read back as compressed
       {4, Numeric{false, 2, {0, 0, 0, 100000}}, {kOutOfRange, {u"Exact"}}},
       {4, Numeric{false, 3, {0, 0, 0, 1}}, {kOutOfRange, {u"Exact"}}},
       {5, Date{-657435}, {kOutOfRange, {u"Since"}}},
@@ -93,7 +93,9 @@ TEST(ColumnRulesTest, EachBrokenRuleIsNamedAndChangesNothing) {
     updated[test.column] = test.value;
     EXPECT_EQ(FailureOf([&] { goods.Update(second_id, updated); }), insertion);
   }
-  EXPECT_EQ(FailureOf([&] { goods.Update({second_id.page, 99}, second); }),
+  EXPECT_EQ(FailureOf([&] {
+              goods.Update({second_id.page, 99}, second);
+            }),
             Fails(kRecordDeleted, {}));
   EXPECT_EQ(FailureOf([&] { goods.Delete({first_id.page, 99}); }), Fails(kRecordDeleted, {}));
   EXPECT_EQ(database.disk().Snapshot(), before);
@@ -108,9 +110,10 @@ TEST(ColumnRulesTest, EachBrokenRuleIsNamedAndChangesNothing) {
 
 TEST(ColumnRulesTest, UniqueIndexesLetNullsRepeat) {
   TestDatabase database;
-  database->CreateTable({.name = u"T",
-                         .columns = {{.name = u"A"}, {.name = u"B"}},
-                         .indexes = {{.name = u"AB", .columns = {{u"A"}, {u"B"}}, .unique = true}}});
+  database->CreateTable(
+      {.name = u"T",
+       .columns = {{.name = u"A"}, {.name = u"B"}},
+       .indexes = {{.name = u"AB", .columns = {{u"A"}, {u"B"}}, .unique = true}}});
   Table& table = database[u"T"];
   const auto insert = [&](const Value& a, const Value& b) {
     Row row = {a, b};
@@ -208,11 +211,12 @@ TEST(DefaultValueTest, UnderstandsPlainExpressions) {
 
 TEST(DefaultValueTest, FillsEmptyColumnsOfNewRowsOnly) {
   TestDatabase database;
-  database->CreateTable({.name = u"T",
-                         .columns = {{.name = u"Text", .type = ColumnType::kText, .required = true},
-                                     {.name = u"Odd"},
-                                     {.name = u"Flag", .type = ColumnType::kBoolean},
-                                     {.name = u"Mark", .type = ColumnType::kGuid, .autonumber = true}}});
+  database->CreateTable(
+      {.name = u"T",
+       .columns = {{.name = u"Text", .type = ColumnType::kText, .required = true},
+                   {.name = u"Odd"},
+                   {.name = u"Flag", .type = ColumnType::kBoolean},
+                   {.name = u"Mark", .type = ColumnType::kGuid, .autonumber = true}}});
   PropertyBlob blob;
   blob.groups.push_back(
       {1, u"Text", {TextProperty(std::u16string(property::kDefaultValue), u"\"none\"")}});

@@ -64,8 +64,8 @@ std::vector<Bytes> Decode(const PageBytes& page) {
 }
 
 std::vector<Bytes> Stored(const std::vector<IndexEntry>& entries) {
-  std::vector<Bytes> stored;
-  for (const IndexEntry& entry : entries) stored.push_back(LeafEntryBytes(entry));
+  std::vector<Bytes> stored(entries.size());
+  std::ranges::transform(entries, stored.begin(), LeafEntryBytes);
   return stored;
 }
 

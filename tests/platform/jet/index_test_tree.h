@@ -49,8 +49,8 @@ struct TreeContent {
   std::vector<std::string> faults;
 };
 
-// Walks the whole tree from its root and checks every rule that the format has for its pages. A
-// strict reading also wants each node entry to equal its child's last entry.
-TreeContent ReadTree(TestIndex& index, bool strict = true);
+// Walks the whole tree from its root and checks every rule that the format has for its pages, and
+// that each node entry equals its child's last entry.
+TreeContent ReadTree(TestIndex& index);
 
 }  // namespace jet::test

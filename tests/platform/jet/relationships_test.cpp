@@ -144,8 +144,7 @@ TEST(RelationshipTest, ReferencesCanBeSetToNullByADeletion) {
 TEST(RelationshipTest, ACascadeObeysTheRulesOfTheTablesItReaches) {
   TestDatabase database;
   CreateFamily(database, {.cascade_updates = true, .cascade_deletes = true});
-  database->CreateTable(
-      {.name = u"Grandchildren", .columns = {{.name = u"Child"}}, .indexes = {}});
+  database->CreateTable({.name = u"Grandchildren", .columns = {{.name = u"Child"}}, .indexes = {}});
   database->CreateRelationship({.name = u"Grand",
                                 .table = u"Grandchildren",
                                 .columns = {u"Child"},
@@ -222,7 +221,8 @@ TEST(RelationshipTest, ObserversHearOfEveryRowAChangeReaches) {
   class Log final : public TableObserver {
    public:
     void RowChanged(RowId, const Row* old_row, const Row* new_row) override {
-      lines.push_back({old_row == nullptr ? Row{} : *old_row, new_row == nullptr ? Row{} : *new_row});
+      lines.push_back(
+          {old_row == nullptr ? Row{} : *old_row, new_row == nullptr ? Row{} : *new_row});
     }
     std::vector<std::pair<Row, Row>> lines;
   };
@@ -272,7 +272,9 @@ TEST(RelationshipTest, HalfPresentRelationshipsRefuseChangesOfTheTable) {
     const std::vector<PageBytes> before = database.disk().Snapshot();
     EXPECT_EQ(FailureOf([&] { database[u"Children"].Delete(child); }),
               Fails(kNotSupported, u"Children"));
-    EXPECT_EQ(FailureOf([&] { Add(database[u"Parents"], {2, Null{}}); }),
+    EXPECT_EQ(FailureOf([&] {
+                Add(database[u"Parents"], {2, Null{}});
+              }),
               Fails(kNotSupported, u"Parents"));
     EXPECT_EQ(database.disk().Snapshot(), before);
     EXPECT_EQ(RowsOf(database[u"Children"]).size(), 1u);

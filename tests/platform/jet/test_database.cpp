@@ -37,6 +37,14 @@ void TestDatabase::Reopen() {
   database_ = Database::Open(std::make_unique<MemoryPageStore>(disk_), options_);
 }
 
+void TestDatabase::Restore(const std::vector<PageBytes>& pages) {
+  database_.reset();
+  disk_->Heal();
+  disk_->Resize(static_cast<PageNumber>(pages.size()));
+  for (PageNumber number = 0; number < pages.size(); ++number) disk_->Page(number) = pages[number];
+  Reopen();
+}
+
 std::vector<std::string> TestDatabase::Problems() const {
   CheckReport report = CheckPages(std::make_unique<MemoryPageStore>(disk_), options_);
   std::ranges::move(report.notes, std::back_inserter(report.problems));
@@ -45,8 +53,12 @@ std::vector<std::string> TestDatabase::Problems() const {
 
 void TestDatabase::Save(const std::filesystem::path& path) const {
   std::ofstream file(path, std::ios::binary);
-  for (const PageBytes& page : disk_->Snapshot())
-    for (const std::byte byte : page) file.put(static_cast<char>(byte));
+  std::string bytes(kPageSize, '\0');
+  for (const PageBytes& page : disk_->Snapshot()) {
+    std::ranges::transform(page, bytes.begin(),
+                           [](std::byte byte) { return static_cast<char>(byte); });
+    file << bytes;
+  }
 }
 
 void TestDatabase::EditDefinition(std::u16string_view table,
@@ -126,8 +138,8 @@ std::optional<std::string> IndependentCheck(const std::filesystem::path& file,
   if (checker == nullptr) return std::nullopt;
   const test_support::TemporaryFolder folder;
   const std::filesystem::path output = folder / "output";
-  std::string command = "python3 -B \"" + std::string(checker) + "\" --strict \"" + file.string() +
-                        "\"";
+  std::string command =
+      "python3 -B \"" + std::string(checker) + "\" --strict \"" + file.string() + "\"";
   if (!password.empty())
     command += " --password \"" + std::string(password.begin(), password.end()) + "\"";
   command += " > \"" + output.string() + "\" 2>&1";

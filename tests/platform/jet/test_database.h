@@ -30,6 +30,8 @@ class TestDatabase {
 
   // The database as another process finds it: what the disk has.
   void Reopen();
+  // The same after the disk was given these pages.
+  void Restore(const std::vector<PageBytes>& pages);
   // What the engine's own check finds on the disk, notes included.
   std::vector<std::string> Problems() const;
   // Puts the disk's pages into a file.
