@@ -153,7 +153,8 @@ DefaultValue DefaultValue::Parse(std::u16string_view expression, const ColumnDef
   if (text.empty()) return DefaultValue(None{});
   if (text.front() == u'=') text = Trim(text.substr(1));
 
-  if (const auto quoted = QuotedText(text)) {
+  const std::optional<std::u16string> quoted = QuotedText(text);  // `text` may become a part of it
+  if (quoted) {
     if (HoldsText(column)) return DefaultValue(Value(*quoted));
     text = Trim(*quoted);  // a number written as text
   }
