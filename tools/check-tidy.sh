@@ -20,4 +20,5 @@ if [[ $status -ne 0 ]]; then
   echo "clang-tidy found something; its whole output is in $log." >&2
   exit 1
 fi
-echo "ok: clang-tidy has nothing to say about $(grep -c '^\S*clang-tidy' "$log") files"
+files=$(grep -c '^\S*clang-tidy' "$log") || { echo "No such file is compiled in build/debug." >&2; exit 2; }
+echo "ok: clang-tidy has nothing to say about $files files"

@@ -16,7 +16,6 @@ namespace jet {
 
 namespace {
 
-constexpr std::int64_t kCurrencyScale = 10000;
 constexpr std::int64_t kDayFrom1899To1970 = 25569;
 constexpr std::int64_t kSecondsPerDay = 86400;
 

@@ -1,7 +1,6 @@
 // Doing a planned row change, in an order that a killed process cannot turn into an unreadable
 // file.
 #include <algorithm>
-#include <ranges>
 
 #include "platform/jet/database_impl.h"
 #include "platform/jet/error.h"
@@ -61,7 +60,7 @@ void RowChange::Run() {
   CounterGuard counters(rows_);
   PageTransaction transaction(database_.pager);
   // Referencing rows were planned after those they refer to; they go first.
-  for (PlannedRow& row : std::views::reverse(rows_)) Apply(row);
+  for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) Apply(*row);
   transaction.Commit();
   counters.Committed();
   Notify();

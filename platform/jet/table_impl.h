@@ -46,13 +46,13 @@ enum class LongValues { kRead, kSkip };  // skipped ones stay Null
 enum class RowOperation { kInsert, kUpdate, kDelete };
 
 struct Table::Impl {
-  Impl(Database::Impl& database, CatalogEntry entry);
+  Impl(Database::Impl& owner, CatalogEntry catalog_entry);
 
   // Reads the definition and the properties anew, after the table's design changed.
   void Load();
 
-  std::optional<LoadedRow> ReadRow(RowId id, LongValues long_values) const;
-  LoadedRow Decode(const RawRow& raw, LongValues long_values) const;
+  std::optional<LoadedRow> ReadRow(RowId id, LongValues which) const;
+  LoadedRow Decode(const RawRow& raw, LongValues which) const;
 
   // Whether a row's long values are wanted when it goes or a cascade changes it: observers see
   // them, keys may be made of them, null may be refused. Skipped ones stay as they are.
@@ -114,7 +114,7 @@ struct Table::Impl {
   bool HoldsValues(RowId id, const TableIndex& index, std::span<const Value* const> values) const;
   std::vector<RowId> FindByScan(const TableIndex& index,
                                 std::span<const Value* const> values) const;
-  Value ColumnValue(const StoredRow& row, std::size_t column) const;
+  Value ColumnValue(const StoredRow& row, std::size_t at) const;
 
   std::optional<bool> autonumber_leads_;  // nothing until looked for
   bool links_prepared_ = false;

@@ -26,7 +26,6 @@ const PhysicalIndex& At(const TableDefinition& table, std::size_t position) {
 TableIndex::TableIndex(Pager& pager, PageAllocator& allocator, const TableDefinition& table,
                        std::size_t position)
     : tree_(pager, allocator, table.page, At(table, position).root, At(table, position).pages_map),
-      table_(&table),
       physical_(&At(table, position)) {
   for (const IndexColumn& index_column : physical_->columns) {
     const auto column = std::find_if(

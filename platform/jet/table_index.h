@@ -56,7 +56,6 @@ class TableIndex {
   std::string FindRefusal() const;
 
   IndexTree tree_;
-  const TableDefinition* table_;
   const PhysicalIndex* physical_;
   std::vector<std::size_t> positions_;
   std::vector<const ColumnDefinition*> columns_;

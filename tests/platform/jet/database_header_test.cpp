@@ -13,9 +13,9 @@ namespace jet {
 namespace {
 
 using ::testing::AnyOf;
-using testing::FromHex;
-using testing::KindOf;
-using testing::ToHex;
+using test::FromHex;
+using test::KindOf;
+using test::ToHex;
 
 // The creation date of a real file whose security ids are known.
 const double kRealDate = std::bit_cast<double>(std::uint64_t{0x40E4AB3E3BD3853E});
@@ -129,7 +129,7 @@ TEST(DatabaseHeaderTest, PageKeyDependsOnThePage) {
 
 TEST(DatabaseHeaderTest, AnyPageZeroGivesAHeaderOrAnError) {
   const PageBytes page = NewHeader(u"secret").bytes();
-  testing::UseDamaged(Bytes(page.begin(), page.end()), [](const Bytes& damaged) {
+  test::UseDamaged(Bytes(page.begin(), page.end()), [](const Bytes& damaged) {
     if (damaged.size() != kPageSize) return;
     const DatabaseHeader header = DatabaseHeader::Parse(std::span(damaged).first<kPageSize>());
     header.MaskSecurityId(account::kAdmin);
@@ -137,9 +137,9 @@ TEST(DatabaseHeaderTest, AnyPageZeroGivesAHeaderOrAnError) {
 }
 
 TEST(DatabaseHeaderTest, SamplesOpenAndTheirSystemObjectsBelongToTheEngine) {
-  const auto samples = testing::SampleFiles();
+  const auto samples = test::SampleFiles();
   if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED names no folder of samples";
-  for (const testing::SampleFile& sample : samples) {
+  for (const test::SampleFile& sample : samples) {
     SCOPED_TRACE(sample.name());
     const DatabaseHeader& header = sample.header();
     EXPECT_THAT(header.password(), AnyOf(u"", u"quorbelintax"));

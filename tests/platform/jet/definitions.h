@@ -8,7 +8,7 @@
 
 #include "platform/jet/table_definition.h"
 
-namespace jet::testing {
+namespace jet::test {
 
 inline constexpr std::uint8_t kFixedColumn = 0x03;     // flags of a column in the fixed area
 inline constexpr std::uint8_t kVariableColumn = 0x02;  // and of one with a slot
@@ -99,4 +99,4 @@ std::string KindOf(Action action) {
   return "none";
 }
 
-}  // namespace jet::testing
+}  // namespace jet::test

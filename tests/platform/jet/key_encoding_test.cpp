@@ -13,9 +13,9 @@
 namespace jet {
 namespace {
 
-using testing::FromHex;
-using testing::KindOf;
-using testing::ToHex;
+using test::FromHex;
+using test::KindOf;
+using test::ToHex;
 
 constexpr Collation kFrench{1036, 0, 0};
 constexpr Collation kSpanishModern{3082, 0, 0};
@@ -25,7 +25,7 @@ Collation OfLanguage(unsigned language) { return {static_cast<std::uint16_t>(lan
 
 ColumnDefinition ColumnOf(ColumnType type) {
   TableDefinition table;
-  return testing::AddColumn(table, u"Column", type, type == ColumnType::kText ? 510 : 0);
+  return test::AddColumn(table, u"Column", type, type == ColumnType::kText ? 510 : 0);
 }
 
 std::string KeyOf(ColumnType type, const Value& value, bool ascending = true) {
@@ -197,10 +197,10 @@ TEST(KeyEncodingTest, LongKeysEndWithTheChecksumOfWhatTheyLost) {
 
 // Every entry of every index of the samples, made anew from its row.
 TEST(KeyEncodingTest, KeysOfSamplesAreReproduced) {
-  const auto samples = testing::SampleFiles();
+  const auto samples = test::SampleFiles();
   if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED names no folder of samples";
   std::size_t compared = 0;
-  for (const testing::SampleFile& sample : samples) {
+  for (const test::SampleFile& sample : samples) {
     for (const auto& [name, page] : sample.Tables()) {
       const TableDefinition table = sample.Definition(page);
       const auto rows = sample.Rows(page);

@@ -9,9 +9,9 @@
 namespace jet {
 namespace {
 
-using testing::FromHex;
-using testing::KindOf;
-using testing::ToHex;
+using test::FromHex;
+using test::KindOf;
+using test::ToHex;
 
 PropertyBlob Blob() {
   PropertyBlob blob;
@@ -64,7 +64,7 @@ TEST(PropertyBlobTest, RefusesWhatItCannotHoldOrRead) {
               PropertyBlob::Parse(FromHex("4D 52 32 00 0E 00 00 00 00 00 08 00 00 00 00 00 00 00"));
             }),
             std::to_string(static_cast<int>(ErrorKind::kDamaged)));
-  testing::UseDamaged(Blob().Serialize(), [](const Bytes& damaged) {
+  test::UseDamaged(Blob().Serialize(), [](const Bytes& damaged) {
     const PropertyBlob parsed = PropertyBlob::Parse(damaged);
     for (const PropertyGroup& group : parsed.groups) group.Text(u"Title");
     parsed.Serialize();
@@ -72,10 +72,10 @@ TEST(PropertyBlobTest, RefusesWhatItCannotHoldOrRead) {
 }
 
 TEST(PropertyBlobTest, BlobsOfSamplesAreReproduced) {
-  const auto samples = testing::SampleFiles();
+  const auto samples = test::SampleFiles();
   if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED names no folder of samples";
   std::size_t blobs = 0;
-  for (const testing::SampleFile& sample : samples) {
+  for (const test::SampleFile& sample : samples) {
     const TableDefinition catalog = sample.Definition(2);
     const auto properties = *std::ranges::find(catalog.columns, u"LvProp", &ColumnDefinition::name);
     for (const auto& row : sample.Rows(2)) {

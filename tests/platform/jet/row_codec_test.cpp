@@ -9,11 +9,11 @@
 namespace jet {
 namespace {
 
-using testing::AddColumn;
-using testing::FromHex;
-using testing::kFixedColumn;
-using testing::KindOf;
-using testing::ToHex;
+using test::AddColumn;
+using test::FromHex;
+using test::kFixedColumn;
+using test::KindOf;
+using test::ToHex;
 
 std::string Kind(ErrorKind kind) { return std::to_string(static_cast<int>(kind)); }
 
@@ -142,7 +142,7 @@ TEST(RowCodecTest, ValuesHaveTheStoredFormOfTheirType) {
       {ColumnType::kBinary, FromHex("01 02"), "01 02"},
   };
   for (const Case& type : cases) {
-    for (const std::uint8_t flags : {testing::kFixedColumn, testing::kVariableColumn}) {
+    for (const std::uint8_t flags : {test::kFixedColumn, test::kVariableColumn}) {
       TableDefinition table;
       const bool is_bytes = type.type == ColumnType::kText || type.type == ColumnType::kBinary;
       const std::uint16_t length = type.type == ColumnType::kText ? 4 : is_bytes ? 2 : 0;
@@ -268,7 +268,7 @@ TEST(RowCodecTest, RefusesWhatAColumnOrARowCannotHold) {
 
 TEST(RowCodecTest, AnyBytesGiveARowOrAnError) {
   const TableDefinition table = Articles();
-  testing::UseDamaged(FromHex(kArticleBytes),
+  test::UseDamaged(FromHex(kArticleBytes),
                       [&table](const Bytes& damaged) { ReadBack(table, damaged); });
   const char* contradictory[] = {
       "07 00 02 00 02 00 00 00 7F",                    // more columns than the table ever had
@@ -283,11 +283,11 @@ TEST(RowCodecTest, AnyBytesGiveARowOrAnError) {
 
 // Every row of the samples, read and built again, says the same as before.
 TEST(RowCodecTest, RowsOfSamplesReadAndBuild) {
-  const auto samples = testing::SampleFiles();
+  const auto samples = test::SampleFiles();
   if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED names no folder of samples";
   std::size_t rows = 0;
   std::size_t identical = 0;
-  for (const testing::SampleFile& sample : samples) {
+  for (const test::SampleFile& sample : samples) {
     for (const auto& [name, page] : sample.Tables()) {
       const TableDefinition table = sample.Definition(page);
       for (const auto& [id, bytes] : sample.Rows(page)) {

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-namespace jet::testing {
+namespace jet::test {
 namespace {
 
 constexpr std::uint16_t kDataPage = 0x0101;
@@ -156,4 +156,4 @@ std::vector<SampleFile> SampleFiles() {
   return files;
 }
 
-}  // namespace jet::testing
+}  // namespace jet::test

@@ -10,7 +10,7 @@
 #include "platform/jet/row_codec.h"
 #include "platform/jet/table_definition.h"
 
-namespace jet::testing {
+namespace jet::test {
 
 // A sample's pages in memory, read with the plainest means: every page of a kind is found by
 // looking at all pages, so no map, chain or tree of the engine is trusted.
@@ -52,4 +52,4 @@ class SampleFile {
 // The samples under the folder that the environment variable ORVPAP_SHARED names; none when unset.
 std::vector<SampleFile> SampleFiles();
 
-}  // namespace jet::testing
+}  // namespace jet::test

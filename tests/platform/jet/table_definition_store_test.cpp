@@ -27,7 +27,7 @@ TableDefinition WideTable(int columns) {
     std::u16string name = u"Column with a long name ";
     name += static_cast<char16_t>(u'A' + i % 26);
     name.append(static_cast<std::size_t>(i / 26), u'x');
-    jet::testing::AddColumn(table, name, ColumnType::kText, 100);
+    jet::test::AddColumn(table, name, ColumnType::kText, 100);
   }
   return table;
 }
@@ -39,7 +39,7 @@ void Write(StorageFile& file, const TableDefinition& table) {
 }
 
 TEST(TableDefinitionStoreTest, ReadsAndRewritesTheDefinitionsOfRealFiles) {
-  const auto samples = jet::testing::SampleFiles();
+  const auto samples = jet::test::SampleFiles();
   if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED is not set";
   for (const auto& sample : samples) {
     for (const auto& [name, page] : sample.Tables()) {

@@ -11,9 +11,9 @@
 namespace jet {
 namespace {
 
-using testing::AddColumn;
-using testing::kFixedColumn;
-using testing::KindOf;
+using test::AddColumn;
+using test::kFixedColumn;
+using test::KindOf;
 
 std::string Kind(ErrorKind kind) { return std::to_string(static_cast<int>(kind)); }
 
@@ -198,15 +198,15 @@ TEST(TableDefinitionTest, TellsDamageFromWhatIsUnknown) {
 }
 
 TEST(TableDefinitionTest, AnyBytesGiveADefinitionOrAnError) {
-  testing::UseDamaged(SerializeTableDefinition(Products()), [](const Bytes& damaged) {
+  test::UseDamaged(SerializeTableDefinition(Products()), [](const Bytes& damaged) {
     SerializeTableDefinition(ParseTableDefinition(damaged, 20));
   });
 }
 
 TEST(TableDefinitionTest, DefinitionsOfSamplesAreReproduced) {
-  const auto samples = testing::SampleFiles();
+  const auto samples = test::SampleFiles();
   if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED names no folder of samples";
-  for (const testing::SampleFile& sample : samples) {
+  for (const test::SampleFile& sample : samples) {
     const auto tables = sample.Tables();
     EXPECT_GE(tables.size(), 4u) << sample.name();
     for (const auto& [name, page] : tables) {
