@@ -7,3 +7,6 @@ if [[ -z ${ORVPAP_SHARED:-} && -d ../shared/jet ]]; then
   ORVPAP_SHARED=$(cd ../shared && pwd)
   export ORVPAP_SHARED
 fi
+if [[ -z ${ORVPAP_JETCHECK:-} && -f ${ORVPAP_SHARED:-}/jet/jetcheck.py ]]; then
+  export ORVPAP_JETCHECK=$ORVPAP_SHARED/jet/jetcheck.py
+fi

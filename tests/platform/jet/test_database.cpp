@@ -61,6 +61,11 @@ void TestDatabase::Save(const std::filesystem::path& path) const {
   }
 }
 
+void TestDatabase::SaveForOtherReaders(const std::string& name) const {
+  if (const char* const folder = std::getenv("ORVPAP_CHANGED_FILES"))
+    Save(std::filesystem::path(folder) / (name + ".mdb"));
+}
+
 void TestDatabase::EditDefinition(std::u16string_view table,
                                   const std::function<void(TableDefinition&)>& change) {
   Database::Impl& impl = database_->impl();

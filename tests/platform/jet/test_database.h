@@ -36,6 +36,8 @@ class TestDatabase {
   std::vector<std::string> Problems() const;
   // Puts the disk's pages into a file.
   void Save(const std::filesystem::path& path) const;
+  // Leaves the database for the independent readers where the variable ORVPAP_CHANGED_FILES says.
+  void SaveForOtherReaders(const std::string& name) const;
 
   // Changes that the engine itself never makes, as another writer might have left them. They end
   // with Reopen.
