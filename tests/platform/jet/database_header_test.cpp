@@ -12,10 +12,10 @@
 namespace jet {
 namespace {
 
-using ::testing::AnyOf;
 using test::FromHex;
 using test::KindOf;
 using test::ToHex;
+using ::testing::AnyOf;
 
 // The creation date of a real file whose security ids are known.
 const double kRealDate = std::bit_cast<double>(std::uint64_t{0x40E4AB3E3BD3853E});

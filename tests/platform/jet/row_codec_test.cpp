@@ -269,7 +269,7 @@ TEST(RowCodecTest, RefusesWhatAColumnOrARowCannotHold) {
 TEST(RowCodecTest, AnyBytesGiveARowOrAnError) {
   const TableDefinition table = Articles();
   test::UseDamaged(FromHex(kArticleBytes),
-                      [&table](const Bytes& damaged) { ReadBack(table, damaged); });
+                   [&table](const Bytes& damaged) { ReadBack(table, damaged); });
   const char* contradictory[] = {
       "07 00 02 00 02 00 00 00 7F",                    // more columns than the table ever had
       "00 00 02 00 00 00",                             // none

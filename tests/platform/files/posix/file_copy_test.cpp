@@ -120,8 +120,8 @@ TEST(PosixFileCopyTest, AFullDiskLeavesTheTargetAndNoNeighbour) {
 }
 
 TEST(PosixFileCopyTest, AKillAtAnyMomentLeavesAWholeFile) {
-  // How many kills fall into the middle of a copy depends on the machine, so they go on until enough
-  // have. A copy that had no middle to be killed in would exhaust them.
+  // How many kills fall into the middle of a copy depends on the machine, so they go on until
+  // enough have. A copy that had no middle to be killed in would exhaust them.
   constexpr int kFewestInTheMiddle = 30;
   constexpr int kMostKills = 1000;
   const TemporaryFolder folder;
