@@ -7,6 +7,7 @@ export LC_ALL=C.UTF-8
 
 demo=build/demo
 table=$demo/Orv.pt
+import_log=$demo/paplog.txt
 paptool=build/release/bin/paptool
 prices_shown=4
 refusals_shown=8
@@ -76,7 +77,7 @@ apply() {
   local update=$1 status=0
   echo
   echo "== ${update##*/}"
-  "$paptool" apply --table "$table" --language english.lng "$update" \
+  "$paptool" apply --table "$table" --log "$import_log" --language english.lng "$update" \
     >"$work/messages" 2>"$work/boxes" || status=$?
   prices >"$work/after"
   case $status in
@@ -106,5 +107,6 @@ done
 
 echo
 echo "The product table is sound: $("$paptool" check --table "$table")"
+echo "A copy of it from before each update lies beside it; the log of the last one is $import_log."
 echo "Look around:  $paptool tables --table $table"
 echo "              $paptool --help"

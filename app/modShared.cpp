@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "platform/files/paths.h"
 #include "platform/files/program_folder.h"
@@ -25,6 +26,17 @@ class StandardErrorPrompt final : public controls::Prompt {
   }
 };
 
+class NoFileDialog final : public controls::FileDialog {
+ public:
+  std::optional<std::wstring> ChooseFile(const Request&) override { return std::nullopt; }
+};
+
+class NoClipboard final : public controls::Clipboard {
+ public:
+  void Clear() override {}
+  void SetText(const std::wstring&) override {}
+};
+
 class NoLanguage final : public language::LanguageProvider {
  public:
   std::int16_t LoadLanguageFile(const std::wstring&) override { return language::kNotLoaded; }
@@ -45,6 +57,16 @@ language::LanguageProvider& DefaultLanguage() {
 controls::Prompt& DefaultPrompt() {
   static StandardErrorPrompt prompt;
   return prompt;
+}
+
+controls::FileDialog& DefaultFileDialog() {
+  static NoFileDialog dialog;
+  return dialog;
+}
+
+controls::Clipboard& DefaultClipboard() {
+  static NoClipboard clipboard;
+  return clipboard;
 }
 
 controls::EventPump& DefaultEventPump() {

@@ -14,10 +14,12 @@
 struct ProcessEnding {};
 
 // The stand-ins used where a program or a test has installed nothing: messages and questions go to
-// standard error (a question is answered No), DoEvents does nothing, the machine's clock, the
-// system's registry, no texts.
+// standard error (a question is answered No), nobody chooses a file, the clipboard keeps nothing,
+// DoEvents does nothing, the machine's clock, the system's registry, no texts.
 language::LanguageProvider& DefaultLanguage();
 controls::Prompt& DefaultPrompt();
+controls::FileDialog& DefaultFileDialog();
+controls::Clipboard& DefaultClipboard();
 controls::EventPump& DefaultEventPump();
 controls::Clock& DefaultClock();
 registry::Registry& DefaultRegistry();
@@ -30,8 +32,11 @@ struct SharedSettings {
   std::wstring strWelcomeText;       // path of the welcome text file
   std::wstring strApplicationTitle;  // caption of every message box without one of its own
   std::wstring strProgramFolder;     // where the program runs from; "" asks the system
+  std::wstring strLogFile;           // path of the import log; "" for that in the program's folder
   language::LanguageProvider* objLanguage = &DefaultLanguage();
   controls::Prompt* objPrompt = &DefaultPrompt();
+  controls::FileDialog* objFileDialog = &DefaultFileDialog();
+  controls::Clipboard* objClipboard = &DefaultClipboard();
   controls::EventPump* objEventPump = &DefaultEventPump();
   controls::Clock* objClock = &DefaultClock();
   registry::Registry* objRegistry = &DefaultRegistry();

@@ -28,3 +28,13 @@ extern std::wstring ProductTablePassword;
 // cannot be opened, is no product table, or has another version than 3.20; a refused one stays open
 // in ProductConnection until the caller drops it.
 bool OpenProductTable(const std::wstring& vPath);
+
+// Sets ProductConnection to empty at the end of a block, however that is left. What uses the
+// connection must end before it.
+class ProductConnectionGuard {
+ public:
+  ProductConnectionGuard() = default;
+  ProductConnectionGuard(const ProductConnectionGuard&) = delete;
+  ProductConnectionGuard& operator=(const ProductConnectionGuard&) = delete;
+  ~ProductConnectionGuard() { ProductConnection.reset(); }
+};

@@ -13,7 +13,7 @@ import cpp_source
 
 FOLDERS = ("app", "engine", "platform/wx", "store", "tools", "updates", "wizard")
 KIND_OF_CALL = {"LanguageText": "text", "GetText": "text", "GetToolTipText": "tooltip",
-                "GetMessageText": "message"}
+                "ToolTipText": "tooltip", "GetMessageText": "message"}
 
 CALL = re.compile(r"\b(" + "|".join(KIND_OF_CALL) + r")\s*\(\s*([\w:]+)\s*\)")
 NAMESPACE = re.compile(r"\bnamespace\s+(\w*Texts)\s*\{(.*?)\}", re.DOTALL)

@@ -11,16 +11,30 @@
 #include "platform/files/file_copy.h"
 #include "platform/files/folder.h"
 #include "platform/files/paths.h"
+#include "platform/text/runtime_error.h"
 #include "updates/modSharedPap.h"
 
 namespace {
 
 constexpr wchar_t kFolderNotFound[] = L"De folder met prijsaanpassingen is niet gevonden!";
+constexpr wchar_t kUpdateFolder[] = L"PAP32";
 constexpr wchar_t kProductTableFile[] = L"Orv.pt";
+
+std::shared_ptr<clsOrvPap> PapWithHeader(const std::wstring& vPath) {
+  try {
+    auto orv_pap = std::make_shared<clsOrvPap>();
+    ReadPapHeader(vPath, *orv_pap);
+    return orv_pap;
+  } catch (const text::RuntimeError& error) {
+    throw text::RuntimeError(error.number(), error.description() + L": '" + vPath + L"'");
+  }
+}
 
 }  // namespace
 
 PapCollection AvailablePaps;
+
+std::wstring PapFolder() { return AddBackslash(ProgramFolder()) + kUpdateFolder; }
 
 bool GetPapCollection(std::wstring& vFolder) {
   vFolder = GetShortPath(vFolder);
@@ -31,8 +45,7 @@ bool GetPapCollection(std::wstring& vFolder) {
   std::vector<std::shared_ptr<clsOrvPap>> found;
   for (const std::wstring& path : files::FilesIn(vFolder)) {
     if (!IsPapFile(path)) continue;
-    auto orv_pap = std::make_shared<clsOrvPap>();
-    ReadPapHeader(path, *orv_pap);
+    auto orv_pap = PapWithHeader(path);
     if (IsPapVersion(orv_pap->Version)) found.push_back(std::move(orv_pap));
   }
   const bool any = !found.empty();

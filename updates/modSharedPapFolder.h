@@ -17,11 +17,16 @@ using PapCollection = std::optional<std::vector<std::shared_ptr<clsOrvPap>>>;
 // What GetPapCollection found last.
 extern PapCollection AvailablePaps;
 
+// The folder where updates wait, PAP32 in the program's folder. Throws as ProgramFolder
+// (app/modShared.h) does.
+std::wstring PapFolder();
+
 // Reads the header of every update file in the folder and makes AvailablePaps anew of those whose
 // version is ours, in the order of platform/files/folder.h; false when there is none. `vFolder` is
 // replaced by its short form. For a folder that is missing a message is shown, the result is false
 // and AvailablePaps stays. Throws text::RuntimeError when the folder or a file in it cannot be read
-// or a date lies outside the calendar: the scan ends there, and AvailablePaps stays.
+// or a date lies outside the calendar, and names the file: the scan ends there, and AvailablePaps
+// stays.
 bool GetPapCollection(std::wstring& vFolder);
 
 // Deletes the update files in the folder, read-only ones too; other files stay. False after a

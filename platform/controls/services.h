@@ -2,6 +2,7 @@
 // runs the same in front of a window, on a command line and in a test.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace controls {
@@ -14,6 +15,29 @@ class Prompt {
   virtual void ShowMessage(const std::wstring& text, const std::wstring& caption) = 0;
   // A question with Yes and No; true for Yes.
   virtual bool AskYesNo(const std::wstring& text, const std::wstring& caption) = 0;
+};
+
+// Lets the user choose a file.
+class FileDialog {
+ public:
+  struct Request {
+    std::wstring title;
+    std::wstring filter;  // "description|*.ext|description|*.*": what to offer, the first at once
+    std::wstring file;    // path of the file to begin with; empty for none
+  };
+
+  virtual ~FileDialog() = default;
+  // The path of the file that was chosen, which exists; nothing when the user thought better of it.
+  // Offers no box for opening read-only and takes no file that may only be read.
+  virtual std::optional<std::wstring> ChooseFile(const Request& request) = 0;
+};
+
+class Clipboard {
+ public:
+  virtual ~Clipboard() = default;
+  // Both throw text::RuntimeError when another program does not let go of the clipboard.
+  virtual void Clear() = 0;
+  virtual void SetText(const std::wstring& text) = 0;
 };
 
 // Lets windows repaint while long work runs on their thread.

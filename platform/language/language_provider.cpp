@@ -34,6 +34,7 @@ std::int16_t FileLanguageProvider::LoadLanguageFile(const std::wstring& name) {
     try {
       wanted = ReadLanguageFile(Locate(name));
     } catch (const FormatError&) {
+      if (!dutch_loaded) return kNotLoaded;  // there would be no text at all
       status = kUnknownFormat;
     } catch (const std::exception&) {
       return kNotLoaded;

@@ -34,7 +34,7 @@ class LanguageProvider {
 // Reads language files (docs/language-files.md). A relative name is sought in the program's folder,
 // then in its folder `lang`. A text that the loaded language lacks is taken from Dutch, the default
 // language, whose file is dutch.lng in the folder `lang`. After kUnknownFormat the Dutch texts are
-// used, when that file can be read.
+// used; where that file cannot be read either, the status is kNotLoaded.
 class FileLanguageProvider final : public LanguageProvider {
  public:
   explicit FileLanguageProvider(std::filesystem::path program_folder);

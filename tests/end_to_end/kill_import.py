@@ -57,9 +57,7 @@ def main():
                 sys.exit(f"of {attempts} kills only {between_writes} fell into the import")
             attempts += 1
             shutil.copy(fresh, table.path)
-            process = subprocess.Popen(
-                [options.paptool, "apply", "--table", str(table.path), str(update)],
-                stdout=subprocess.DEVNULL)
+            process = subprocess.Popen(table.apply_command(update), stdout=subprocess.DEVNULL)
             time.sleep(chance.random() * whole_run)
             process.send_signal(signal.SIGKILL)
             killed = process.wait() == -signal.SIGKILL

@@ -56,11 +56,19 @@ class Table:
         self.paptool, self.path = paptool, path
 
     def run(self, *arguments, **how):
-        return subprocess.run([self.paptool, *arguments, "--table", str(self.path)],
-                              capture_output=True, text=True, encoding="utf-8", **how)
+        return self.start([self.paptool, *arguments, "--table", str(self.path)], **how)
+
+    @staticmethod
+    def start(command, **how):
+        return subprocess.run(command, capture_output=True, text=True, encoding="utf-8", **how)
+
+    def apply_command(self, update):
+        """Applies an update without a backup; the log lies beside the table."""
+        return [self.paptool, "apply", "--no-backup", "--log", str(self.path.with_suffix(".log")),
+                "--table", str(self.path), str(update)]
 
     def apply(self, update, **how):
-        return self.run("apply", str(update), **how)
+        return self.start(self.apply_command(update), **how)
 
     def rows(self, table):
         """A dictionary a row; ends the program when the table cannot be read."""

@@ -21,6 +21,14 @@ import tempfile
 HERE = pathlib.Path(__file__).resolve().parent
 PASSWORD = "quorbelintax"
 
+# The register of processed updates, and the rules of its columns as mdb-prop prints them.
+REGISTER = "PriceUpdates"
+REGISTER_RULES = {"FileName": {"AllowZeroLength: no", "Required: yes"},
+                  "Date": {"Required: no"},
+                  "Assortiment": {"AllowZeroLength: no", "Required: no"},
+                  "Supplier": {"AllowZeroLength: no", "Required: no"},
+                  "DateProcessed": {"Required: no"}}
+
 # Exit statuses of `paptool apply`: every record taken, or some refused.
 APPLIED, REFUSALS = 0, 1
 
@@ -56,11 +64,26 @@ class Checks:
             self.fail(f"paptool check of {file}:\n{done.stdout}{done.stderr}")
         self.compare(file, password, *options)
 
+    def check_register(self, file):
+        """Another reader must find the register's rules, where the file has a register."""
+        tables = subprocess.run(["mdb-tables", "-1", file], capture_output=True, text=True,
+                                check=True).stdout.splitlines()
+        if REGISTER not in tables:
+            return
+        listed = subprocess.run(["mdb-prop", file, REGISTER], capture_output=True, text=True,
+                                check=True).stdout
+        groups = [[line.strip() for line in group.splitlines()] for group in listed.split("\n\n")]
+        rules = {group[0].removeprefix("name: "): set(group[1:]) for group in groups if group}
+        for column, wanted in REGISTER_RULES.items():
+            if not wanted <= rules.get(column, set()):
+                self.fail(f"{file}: {REGISTER}.{column} has the rules {rules.get(column)}")
+
     def apply(self, updates, table):
         """Applies updates one by one, with a check after each; returns their exit statuses."""
         statuses = []
         for update in updates:
-            done = self.run("apply", "--table", table, update)
+            done = self.run("apply", "--no-backup", "--log", table.with_suffix(".log"),
+                            "--table", table, update)
             statuses.append(done.returncode)
             refused = sum(line.startswith("! ") for line in done.stdout.splitlines())
             print(f"{update.name} into {table.name}: exit status {done.returncode}, "
@@ -85,6 +108,7 @@ def check_demo(checks, work):
         return []
     checks.check(demo / "Orv.pt", PASSWORD)
     statuses = checks.apply(updates, demo / "Orv.pt")
+    checks.check_register(demo / "Orv.pt")  # the import made it
     if set(statuses) != {APPLIED, REFUSALS}:
         checks.fail(f"the demo should have updates with and without refusals, found {statuses}")
     return updates
@@ -117,6 +141,7 @@ def main():
         check_samples(checks, work, os.environ.get("ORVPAP_SHARED"), updates)
         for changed in files_in(os.environ.get("ORVPAP_CHANGED_FILES"), "*.mdb"):
             checks.check(changed, "", "--lenient")
+            checks.check_register(changed)
     return 1 if checks.failures else 0
 
 

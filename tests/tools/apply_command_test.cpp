@@ -20,9 +20,14 @@ constexpr char kGood[] =
 
 class ApplyCommandTest : public PaptoolTest {
  protected:
-  ProgramOutcome Apply(const std::string& table, std::vector<std::string> updates) {
-    std::vector<std::string> arguments = {"apply", "--table", table, "--language", language_};
+  // Without a backup, which has a test of its own.
+  ProgramOutcome Apply(const std::string& table, const std::vector<std::string>& updates) {
+    std::vector<std::string> arguments = {"--no-backup", "--table", table, "--language", language_};
     arguments.insert(arguments.end(), updates.begin(), updates.end());
+    return RunApply(arguments);
+  }
+  ProgramOutcome RunApply(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"apply", "--log", Path("log.txt")});
     return Run(arguments);
   }
 
@@ -53,6 +58,31 @@ TEST_F(ApplyCommandTest, PrintsWhatTheListShows) {
   EXPECT_THAT(both.err, IsEmpty());
 }
 
+// The whole of the wizard's import: a backup before each update, a log, the register.
+TEST_F(ApplyCommandTest, BacksUpLogsAndRegisters) {
+  const std::string table = MakeProductTable();
+  const std::string before = test_support::ReadAll(folder / "Orv.pt");
+  folder.Write("good.PRC", kGood);
+  folder.Write("bad.PRC", std::string(kGood) + "[UPDATE PRICEDATA]\r\n\"X\",1,1,1,1,1,,,\r\n");
+  const std::string backup = Path("BEAMS_S1_20260105.pt");
+  const ProgramOutcome outcome = RunApply(
+      {"--table", table, "--language", MakeLanguageFile(), Path("good.PRC"), Path("bad.PRC")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(Lines(outcome.out).front(), "T57\t" + backup);
+  const std::string logged = test_support::ReadAll(folder / "log.txt");
+  EXPECT_THAT(logged, HasSubstr("\r\nT55: " + table + "\r\nT57: " + backup + "\r\n"));
+  EXPECT_THAT(logged, HasSubstr("\r\nT64: T101 X\r\n"));
+
+  const auto registered = [&](const std::string& product_table) {
+    return Lines(Run({"processed", "--table", product_table}).out);
+  };
+  EXPECT_THAT(registered(table), ElementsAre(HasSubstr("FileName"), HasSubstr("good.PRC\t2026-")));
+  EXPECT_THAT(registered(backup), testing::SizeIs(2)) << "as it was before the second update";
+  EXPECT_EQ(RunApply({"--table", table, Path("good.PRC")}).status, 0);
+  EXPECT_THAT(registered(table), testing::SizeIs(2)) << "applied twice is one row";
+  EXPECT_NE(test_support::ReadAll(folder / "BEAMS_S1_20260105.pt"), before);
+}
+
 // Nothing is opened before all updates are known to be usable.
 TEST_F(ApplyCommandTest, UnusableUpdatesStopEverything) {
   folder.Write("good.PRC", kGood);
@@ -68,6 +98,7 @@ TEST_F(ApplyCommandTest, UnusableUpdatesStopEverything) {
     ASSERT_EQ(Lines(outcome.err).size(), 1u);
     EXPECT_THAT(outcome.err, HasSubstr(Path(name)));
   }
+  EXPECT_FALSE(std::filesystem::exists(folder / "log.txt"));
 }
 
 TEST_F(ApplyCommandTest, MessageBoxesAreLinesOnStandardError) {
@@ -75,12 +106,22 @@ TEST_F(ApplyCommandTest, MessageBoxesAreLinesOnStandardError) {
   const std::string table = Path("missing.pt");
   const ProgramOutcome outcome = Apply(table, {Path("good.PRC")});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.out, IsEmpty());
+  EXPECT_THAT(Lines(outcome.out), ElementsAre("! T56\t"));
   EXPECT_THAT(Lines(outcome.err),
               ElementsAre("T104 / Procedure = clsConnection.MakenJetConnectie (Function) / "
                           "Error = 3024: Could not find file '" +
                               table + "'.",
                           "T56"));
+}
+
+TEST_F(ApplyCommandTest, ALogThatCannotBeWrittenIsToldAndMissed) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  folder.Write("log.txt/inside", "");
+  const ProgramOutcome outcome = Apply(table, {Path("good.PRC")});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(Lines(outcome.out), testing::SizeIs(4));
+  EXPECT_THAT(outcome.err, HasSubstr("Procedure = StartLog"));
 }
 
 TEST_F(ApplyCommandTest, LanguageFileMustBeOne) {
@@ -89,7 +130,7 @@ TEST_F(ApplyCommandTest, LanguageFileMustBeOne) {
   folder.Write("text.lng", "no language at all\n");
   for (const char* name : {"text.lng", "missing.lng"}) {
     const ProgramOutcome outcome =
-        Run({"apply", "--table", table, "--language", Path(name), Path("good.PRC")});
+        RunApply({"--no-backup", "--table", table, "--language", Path(name), Path("good.PRC")});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_THAT(outcome.err, HasSubstr(name));
   }
@@ -99,17 +140,19 @@ TEST_F(ApplyCommandTest, LanguageFileMustBeOne) {
 TEST_F(ApplyCommandTest, DutchIsTheDefaultAndEnglishIsThere) {
   const std::string table = MakeProductTable();
   folder.Write("good.PRC", kGood);
-  EXPECT_THAT(Run({"apply", "--table", table, Path("good.PRC")}).out,
+  EXPECT_THAT(RunApply({"--no-backup", "--table", table, Path("good.PRC")}).out,
               HasSubstr("\nLeverancier\tS1 - First\n"));
-  EXPECT_THAT(Run({"apply", "--table", table, "--language", "english.lng", Path("good.PRC")}).out,
-              HasSubstr("\nSupplier\tS1 - First\n"));
+  EXPECT_THAT(
+      RunApply({"--no-backup", "--table", table, "--language", "english.lng", Path("good.PRC")})
+          .out,
+      HasSubstr("\nSupplier\tS1 - First\n"));
 }
 
 TEST_F(ApplyCommandTest, OtherPasswordIsTried) {
   const std::string table = MakeProductTable();
   folder.Write("good.PRC", kGood);
   const ProgramOutcome outcome =
-      Run({"apply", "--table", table, "--password", "wrong", Path("good.PRC")});
+      RunApply({"--no-backup", "--table", table, "--password", "wrong", Path("good.PRC")});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.err, HasSubstr("3031: Not a valid password."));
 }

@@ -21,6 +21,7 @@ TEST_F(CommandLineTest, EveryCommandExplainsItself) {
       {{"tables", "-h"}, "--password"},
       {{"rows", "--help"}, "TABLE"},
       {{"check", "--help"}, "--table"},
+      {{"processed", "--help"}, "PriceUpdates"},
       {{"demo", "--help"}, "--force"},
   };
   for (const auto& c : cases) {
@@ -43,6 +44,7 @@ TEST_F(CommandLineTest, WrongUsageIsRefusedWithTwo) {
       {{"tables", "--table", "x", "y"}, "y"},
       {{"rows", "--table", "x"}, "TABLE is required"},
       {{"apply", "--table", "x"}, "PRC is required"},
+      {{"processed"}, "--table is required"},
       {{"demo"}, "DIR is required"},
   };
   for (const auto& c : cases) {

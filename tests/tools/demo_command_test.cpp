@@ -46,8 +46,10 @@ TEST_F(DemoCommandTest, RunsByItself) {
     const std::vector<std::string> shown =
         Lines(RunProgram(program, {"show", update.string()}, folder.path()).out);
     EXPECT_THAT(shown, testing::Not(Contains(StartsWith("line "))));
-    const ProgramOutcome applied =
-        RunProgram(program, {"apply", "--table", table, update.string()}, folder.path());
+    const ProgramOutcome applied = RunProgram(
+        program,
+        {"apply", "--no-backup", "--log", Path("log.txt"), "--table", table, update.string()},
+        folder.path());
     EXPECT_THAT(applied.err, testing::IsEmpty());
     int refused = 0;
     for (const std::string& line : Lines(applied.out)) refused += line.starts_with("! ") ? 1 : 0;
@@ -56,7 +58,7 @@ TEST_F(DemoCommandTest, RunsByItself) {
   }
   EXPECT_EQ(refusals, 4);
   const ProgramOutcome checked = RunProgram(program, {"check", "--table", table}, folder.path());
-  EXPECT_THAT(checked.out, StartsWith("ok: 14 tables, "));
+  EXPECT_THAT(checked.out, StartsWith("ok: 15 tables, "));
 
   const registry::RegFile settings(test_support::ReadAll(folder / "demo" / "registry.reg"));
   EXPECT_EQ(settings.Find(L"HKEY_CURRENT_USER\\Software\\Velkor Software\\Orvane\\3.2\\PAP32",

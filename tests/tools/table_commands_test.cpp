@@ -1,4 +1,5 @@
-// paptool tables, rows and check: what they print of a database with every kind of value.
+// paptool tables, rows and check: what they print of a database with every kind of
+// value.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -114,6 +115,7 @@ TEST_F(TableCommandsTest, WhatCannotBeOpenedIsToldWithAdvice) {
       {{"tables", "--table", Path("text.pt")}, "Unrecognized database format"},
       {{"tables", "--table", table, "--password", "wrong"}, "Not a valid password. Give the"},
       {{"rows", "--table", table, "Nothing"}, "`paptool tables`"},
+      {{"processed", "--table", Path("missing.pt")}, "--table"},
       {{"check", "--table", Path("missing.pt")}, "Could not find file"},
   };
   for (const auto& c : cases) {

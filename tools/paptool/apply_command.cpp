@@ -1,5 +1,6 @@
-// paptool apply: brings price updates into a product table.
+// paptool apply: does with price updates what the wizard's import page does.
 #include <CLI/CLI.hpp>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -18,12 +19,15 @@
 #include "tools/paptool/paths.h"
 #include "tools/paptool/product_table_options.h"
 #include "updates/modSharedPap.h"
+#include "wizard/usrImport.h"
 
 namespace paptool {
 namespace {
 
 struct ApplyOptions {
   ProductTableOptions product_table;
+  bool no_backup = false;
+  std::string log = "paplog.txt";
   std::string language;
   std::vector<std::string> updates;
 };
@@ -68,9 +72,23 @@ std::optional<std::wstring> Unusable(const std::wstring& path, clsOrvPap& update
   return std::nullopt;
 }
 
-// Closes the product table whatever happens.
-struct ProductConnectionCloser {
-  ~ProductConnectionCloser() { ProductConnection.reset(); }
+// Prints the page's list line by line, at the moments at which a window would show it.
+class ListPrinter final : public controls::EventPump {
+ public:
+  explicit ListPrinter(const controls::ListView& list) : list_(list) {}
+
+  void DoEvents() override {
+    const std::vector<controls::ListItem>& items = list_.Items();
+    for (; printed_ < items.size(); ++printed_) {
+      const controls::ListItem& item = items[printed_];
+      PrintLine((item.colour == controls::kRed ? L"! " : L"") + OneLine(item.text) + L'\t' +
+                OneLine(item.sub_items.front()));
+    }
+  }
+
+ private:
+  const controls::ListView& list_;
+  std::size_t printed_ = 0;
 };
 
 int Apply(const ApplyOptions& options) {
@@ -79,35 +97,26 @@ int Apply(const ApplyOptions& options) {
   SharedSettings settings;
   settings.objPrompt = &prompt;
   settings.objLanguage = &texts;
+  settings.strLogFile = AbsolutePath(options.log);
   const SharedSettingsScope scope(settings);
   if (!LoadLanguage(texts, options.language)) return kWrongUsage;
 
-  std::vector<std::unique_ptr<clsOrvPap>> updates;
+  std::vector<std::shared_ptr<clsOrvPap>> updates;
   for (const std::string& file : options.updates) {
-    updates.push_back(std::make_unique<clsOrvPap>());
+    updates.push_back(std::make_shared<clsOrvPap>());
     if (const auto reason = Unusable(AbsolutePath(file), *updates.back())) {
       PrintError(*reason);
       return kWrongUsage;
     }
   }
 
-  const std::wstring table = options.product_table.AbsolutePath();
-  const ProductConnectionCloser closer;
   ProductTablePassword = text::Utf8ToWide(options.product_table.password);
-  if (!OpenProductTable(table)) return kFailed;
-  ProductConnection.reset();  // each update opens it for itself
-
-  int status = kDone;
-  for (const std::unique_ptr<clsOrvPap>& update : updates) {
-    update->ShowListMessage = [&status](const std::wstring& message, const std::wstring& detail,
-                                        bool show_in_list, bool error) {
-      if (!show_in_list && !error) return;
-      if (error) status = kFailed;
-      PrintLine((error ? L"! " : L"") + OneLine(message) + L'\t' + OneLine(detail));
-    };
-    if (!update->UpdatePT(table)) status = kFailed;
-  }
-  return status;
+  usrImport page;
+  ListPrinter printer(page.lvResults);
+  settings.objEventPump = &printer;
+  const bool done =
+      page.StartImport(options.product_table.AbsolutePath(), updates, !options.no_backup);
+  return done ? kDone : kFailed;
 }
 
 }  // namespace
@@ -116,6 +125,11 @@ void AddApplyCommand(CLI::App& app, Work& work) {
   CLI::App* command = app.add_subcommand("apply", "Apply price updates to a product table");
   auto options = std::make_shared<ApplyOptions>();
   AddProductTableOptions(*command, options->product_table);
+  command->add_flag("--no-backup", options->no_backup,
+                    "Make no copy of the product table before each update");
+  command->add_option("--log", options->log, "Where to write the log of all messages")
+      ->type_name("FILE")
+      ->capture_default_str();
   command
       ->add_option("--language", options->language,
                    "A language file, or the name of one in the folder lang; Dutch without it")
@@ -123,9 +137,10 @@ void AddApplyCommand(CLI::App& app, Work& work) {
   command->add_option("PRC", options->updates, "The update files, applied in this order")
       ->required();
   command->footer(
-      "Prints a line a message: message, tab, detail. A line that begins with \"! \" is a record\n"
-      "that was refused; then the exit status is 1. It is 2 when nothing was tried. The product\n"
-      "table is changed in place: keep a copy of it.");
+      "Prints a line a message: message, tab, detail. A line that begins with \"! \" is an error,\n"
+      "such as a record that was refused; then the exit status is 1. It is 2 when nothing was\n"
+      "tried. The product table is changed in place. The copy made before each update lies beside\n"
+      "it, named from the update's assortment, supplier and date.");
   command->callback([&work, options] { work = [options] { return Apply(*options); }; });
 }
 

@@ -24,6 +24,7 @@ using Work = std::function<int()>;
 void AddApplyCommand(CLI::App& app, Work& work);
 void AddCheckCommand(CLI::App& app, Work& work);
 void AddDemoCommand(CLI::App& app, Work& work);
+void AddProcessedCommand(CLI::App& app, Work& work);
 void AddRowsCommand(CLI::App& app, Work& work);
 void AddShowCommand(CLI::App& app, Work& work);
 void AddTablesCommand(CLI::App& app, Work& work);

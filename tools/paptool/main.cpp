@@ -67,6 +67,7 @@ int Run(const std::vector<std::string>& arguments) {
   AddTablesCommand(app, work);
   AddRowsCommand(app, work);
   AddCheckCommand(app, work);
+  AddProcessedCommand(app, work);
   AddDemoCommand(app, work);
 
   if (!arguments.empty() && !arguments.front().starts_with('-') &&

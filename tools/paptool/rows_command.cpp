@@ -7,7 +7,7 @@
 #include "tools/paptool/commands.h"
 #include "tools/paptool/console.h"
 #include "tools/paptool/product_table_options.h"
-#include "tools/paptool/value_text.h"
+#include "tools/paptool/table_text.h"
 
 namespace paptool {
 namespace {
@@ -16,26 +16,6 @@ struct RowsOptions {
   ProductTableOptions product_table;
   std::string table;
 };
-
-std::string ColumnNames(const jet::Table& table) {
-  std::string line;
-  for (const jet::ColumnDefinition& column : table.columns()) {
-    if (!line.empty()) line += '\t';
-    line += Escaped(text::WideToUtf8(text::Utf16ToWide(column.name)));
-  }
-  return line;
-}
-
-std::string RowText(const jet::Row& row) {
-  std::string line;
-  bool first = true;
-  for (const jet::Value& value : row) {
-    if (!first) line += '\t';
-    first = false;
-    line += ValueText(value);
-  }
-  return line;
-}
 
 int Rows(const RowsOptions& options) {
   const std::unique_ptr<jet::Database> database = OpenToRead(options.product_table);

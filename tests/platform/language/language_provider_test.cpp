@@ -52,6 +52,8 @@ TEST(LanguageProviderTest, StatusTellsWhyAndTextsStay) {
   FileLanguageProvider provider(folder.path());
   EXPECT_EQ(provider.LoadLanguageFile(L""), kNotLoaded);
   EXPECT_EQ(provider.GetText(1), L"");
+  folder.Write("strange.lng", "MZ\x90");
+  EXPECT_EQ(provider.LoadLanguageFile(L"strange.lng"), kNotLoaded) << "no Dutch to fall back on";
 
   folder.Write("lang/dutch.lng", kDutch);
   folder.Write("x.lng", "language file: X\n1 text: x\n");

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <string>
+#include <thread>
 
 #include "platform/registry/registry.h"
 
@@ -58,6 +59,10 @@ TEST_F(SystemRegistryTest, ReadsEveryKindOfValue) {
   Store(HKEY_CURRENT_USER, 0, L"empty", REG_SZ, nullptr, 0);
   Store(HKEY_CURRENT_USER, 0, L"expand", REG_EXPAND_SZ, L"x", 4);
   Store(HKEY_CURRENT_USER, 0, L"binary", REG_BINARY, &number, sizeof(number));
+  Store(HKEY_CURRENT_USER, 0, L"several", REG_MULTI_SZ, L"a\0", 3 * sizeof(wchar_t));
+  Store(HKEY_CURRENT_USER, 0, L"long number", REG_QWORD, L"1234", 8);
+  Store(HKEY_CURRENT_USER, 0, L"half a character", REG_SZ, L"ab", 3);
+  Store(HKEY_CURRENT_USER, 0, L"", REG_SZ, L"default", 8 * sizeof(wchar_t));
   EXPECT_EQ(ReadUser(L"NUMBER"), Value(0x80000001U));
   EXPECT_EQ(ReadUser(L"short number"), Value(OtherKind{}));
   EXPECT_EQ(ReadUser(L"unterminated"), Value(unterminated));
@@ -65,6 +70,10 @@ TEST_F(SystemRegistryTest, ReadsEveryKindOfValue) {
   EXPECT_EQ(ReadUser(L"empty"), Value(std::wstring()));
   EXPECT_EQ(ReadUser(L"expand"), Value(OtherKind{}));
   EXPECT_EQ(ReadUser(L"binary"), Value(OtherKind{}));
+  EXPECT_EQ(ReadUser(L"several"), Value(OtherKind{}));
+  EXPECT_EQ(ReadUser(L"long number"), Value(OtherKind{}));
+  EXPECT_EQ(ReadUser(L"half a character"), Value(L"a"));
+  EXPECT_EQ(ReadUser(L""), Value(L"default"));
   EXPECT_EQ(ReadUser(L"missing"), std::nullopt);
 }
 
@@ -73,6 +82,41 @@ TEST_F(SystemRegistryTest, WritesCreateTheKey) {
   EXPECT_EQ(ReadUser(L"A"), Value(L"Pr\u00E9 \u20AC"));
   registry_->WriteText(RootKey::kCurrentUser, key_, L"a", L"");
   EXPECT_EQ(ReadUser(L"a"), Value(std::wstring()));
+}
+
+// What the host product and the registry editor find: a terminated text, whatever was there before.
+TEST_F(SystemRegistryTest, WhatIsWrittenIsATextForOthers) {
+  const DWORD number = 7;
+  Store(HKEY_CURRENT_USER, 0, L"a", REG_DWORD, &number, sizeof(number));
+  registry_->WriteText(RootKey::kCurrentUser, key_, L"a", L"\u0416");
+  HKEY key = nullptr;
+  ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, key_.c_str(), 0, KEY_QUERY_VALUE, &key),
+            ERROR_SUCCESS);
+  DWORD type = 0;
+  wchar_t data[4] = {};
+  DWORD size = sizeof(data);
+  EXPECT_EQ(RegQueryValueExW(key, L"a", nullptr, &type, reinterpret_cast<BYTE*>(data), &size),
+            ERROR_SUCCESS);
+  RegCloseKey(key);
+  EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+  EXPECT_EQ(std::wstring(data, size / sizeof(wchar_t)), std::wstring(L"\u0416\0", 2));
+}
+
+// Two programs that write different values at the same moment lose nothing of each other.
+TEST_F(SystemRegistryTest, SeveralWritersLoseNothing) {
+  constexpr int kValues = 50;
+  const auto write = [this](const std::wstring& prefix) {
+    const auto own = MakeSystemRegistry();
+    for (int i = 0; i < kValues; ++i)
+      own->WriteText(RootKey::kCurrentUser, key_, prefix + std::to_wstring(i), prefix);
+  };
+  std::thread other([&] { write(L"x"); });
+  write(L"y");
+  other.join();
+  for (int i = 0; i < kValues; ++i) {
+    EXPECT_EQ(ReadUser((L"x" + std::to_wstring(i)).c_str()), Value(L"x"));
+    EXPECT_EQ(ReadUser((L"y" + std::to_wstring(i)).c_str()), Value(L"y"));
+  }
 }
 
 TEST_F(SystemRegistryTest, TheViewOf32BitProgramsGoesFirst) {

@@ -1,0 +1,88 @@
+// What all controls have in common, and the two that have nothing more than a caption.
+#pragma once
+
+#include <string>
+#include <utility>
+
+namespace controls {
+
+// A part of a page as the page sees it: a plain object that works the same with a real window
+// behind it and without one.
+//
+// Setters are for the program. A setter that changes something tells the observer, and raises no
+// event. What the user does has operations of its own (Press, Toggle, Type ...), called by the
+// window or by a test: they do nothing while the control is disabled or hidden, otherwise they
+// change the control, tell the observer and then raise the control's event, a function that the
+// page may have set.
+//
+// One thread. Not copied: a control has identity.
+class Control {
+ public:
+  // Shows the control somewhere, as a rule in a real window. It must not change the control while
+  // it is being told.
+  class Observer {
+   public:
+    virtual ~Observer() = default;
+    // A property is no longer what it was; which one, the control itself tells.
+    virtual void ControlChanged() = 0;
+  };
+
+  virtual ~Control() = default;
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+
+  // From now on this observer is told, until it is replaced; nullptr for nobody. It must live as
+  // long as it is told.
+  void Observe(Observer* observer) { observer_ = observer; }
+
+  bool Enabled() const { return enabled_; }
+  void SetEnabled(bool enabled) { Change(enabled_, enabled); }
+  bool Visible() const { return visible_; }
+  void SetVisible(bool visible) { Change(visible_, visible); }
+  const std::wstring& ToolTip() const { return tool_tip_; }
+  void SetToolTip(std::wstring tool_tip) { Change(tool_tip_, std::move(tool_tip)); }
+
+ protected:
+  Control() = default;
+
+  // Whether the user can reach the control.
+  bool TakesInput() const { return enabled_ && visible_; }
+
+  // Gives a property a value and tells the observer if that made a difference.
+  template <class Value>
+  void Change(Value& property, Value value) {
+    if (property == value) return;
+    property = std::move(value);
+    Changed();
+  }
+
+  // Tells the observer of a change that Change did not make.
+  void Changed() {
+    if (observer_ != nullptr) observer_->ControlChanged();
+  }
+
+ private:
+  Observer* observer_ = nullptr;
+  bool enabled_ = true;
+  bool visible_ = true;
+  std::wstring tool_tip_;
+};
+
+// A control with a text of its own. "&" in it marks the next character as the access key.
+class CaptionedControl : public Control {
+ public:
+  const std::wstring& Caption() const { return caption_; }
+  void SetCaption(std::wstring caption) { Change(caption_, std::move(caption)); }
+
+ private:
+  std::wstring caption_;
+};
+
+// A text that the user only reads. "&" has no meaning in it.
+class Label final : public CaptionedControl {};
+
+// A group of controls with an optional heading. Which controls are in it is the window's business;
+// hiding it hides them.
+class Frame final : public CaptionedControl {};
+
+}  // namespace controls

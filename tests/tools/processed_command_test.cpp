@@ -1,0 +1,88 @@
+// paptool processed: the register as it is in a file, and as the import leaves it.
+#include <gmock/gmock.h>
+
+#include "platform/jet/database.h"
+#include "tests/tools/paptool_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr char kNames[] = "FileName\tDate\tAssortiment\tSupplier\tDateProcessed";
+
+class ProcessedCommandTest : public PaptoolTest {
+ protected:
+  // A database without a password that holds `table` with these rows.
+  std::string MakeDatabase(const jet::TableSpec& table, std::vector<jet::Row> rows) const {
+    const auto database = jet::Database::Create(folder / "values.mdb");
+    database->CreateTable(table);
+    for (jet::Row& row : rows) database->OpenTable(table.name).Insert(row);
+    return Path("values.mdb");
+  }
+};
+
+TEST_F(ProcessedCommandTest, PrintsTheRegisterOldestFirst) {
+  const ProgramOutcome none = Run({"processed", "--table", MakeProductTable()});
+  EXPECT_EQ(none.status, 0);
+  EXPECT_THAT(Lines(none.out), ElementsAre(kNames));
+
+  using jet::ColumnType;
+  using jet::Null;
+  jet::TableSpec table{.name = u"PriceUpdates",
+                       .columns = {{.name = u"FileName", .type = ColumnType::kText, .size = 50},
+                                   {.name = u"Date", .type = ColumnType::kDate},
+                                   {.name = u"Assortiment", .type = ColumnType::kText, .size = 50},
+                                   {.name = u"Supplier", .type = ColumnType::kText, .size = 50},
+                                   {.name = u"DateProcessed", .type = ColumnType::kDate}},
+                       .indexes = {}};
+  const std::u16string tab = u"B\tC";
+  const std::string path =
+      MakeDatabase(table, {{std::u16string(u"late"), Null{}, tab, Null{}, jet::Date{38062.5}},
+                           {std::u16string(u"never"), Null{}, Null{}, Null{}, Null{}},
+                           {std::u16string(u"same"), Null{}, Null{}, Null{}, jet::Date{38062.5}},
+                           {std::u16string(u"early"), jet::Date{1}, Null{}, Null{}, jet::Date{2}}});
+  const ProgramOutcome all = Run({"processed", "--table", path, "--password", ""});
+  EXPECT_EQ(all.status, 0);
+  EXPECT_THAT(Lines(all.out),
+              ElementsAre(kNames, "never\t\\N\t\\N\t\\N\t\\N",
+                          "early\t1899-12-31 00:00:00\t\\N\t\\N\t1900-01-01 00:00:00",
+                          "late\t\\N\tB\\tC\t\\N\t2004-03-16 12:00:00",
+                          "same\t\\N\t\\N\t\\N\t2004-03-16 12:00:00"));
+
+  std::filesystem::remove(folder / "values.mdb");
+  table.columns.pop_back();
+  MakeDatabase(table, {});
+  const ProgramOutcome other_shape = Run({"processed", "--table", path, "--password", ""});
+  EXPECT_EQ(other_shape.status, 1);
+  EXPECT_THAT(other_shape.out, IsEmpty());
+  EXPECT_THAT(other_shape.err, HasSubstr("Too few parameters"));
+}
+
+// Applied twice, an update has one row, with the later time; one with refusals has none.
+TEST_F(ProcessedCommandTest, TellsWhatWasApplied) {
+  ASSERT_EQ(Run({"demo", Path("demo")}).status, 0);
+  const std::string table = Path("demo/Orv.pt");
+  const auto apply = [&] {
+    Run({"apply", "--table", table, "--no-backup",
+         Path("demo/PAP32/20260105_VELDHAVEN_PROFIEL.PRC"),
+         Path("demo/PAP32/20260209_VELDHAVEN_PLAAT.PRC"),
+         Path("demo/PAP32/20040315_VELDHAVEN_PLAAT.PRC")});
+    return Lines(Run({"processed", "--table", table}).out);
+  };
+  EXPECT_THAT(Lines(Run({"processed", "--table", table}).out), ElementsAre(kNames));
+  const auto once = apply();
+  const auto is_register = ElementsAre(
+      kNames,
+      StartsWith("20260105_VELDHAVEN_PROFIEL.PRC\t2026-01-05 00:00:00\tBalken en profielen\t"
+                 "Veldhaven Staalservice\t20"),
+      StartsWith("20040315_VELDHAVEN_PLAAT.PRC\t2004-03-15 00:00:00\tPlaatstaal\t"));
+  EXPECT_THAT(once, is_register);
+  const auto twice = apply();
+  EXPECT_THAT(twice, is_register);
+  EXPECT_GE(twice, once);
+}
+
+}  // namespace

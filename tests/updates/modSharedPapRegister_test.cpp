@@ -1,0 +1,341 @@
+// The register of processed updates: what is written, read back, refused and left alone.
+#include "updates/modSharedPapRegister.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/database/database_engine.h"
+#include "platform/database/recordset.h"
+#include "platform/files/file_lock.h"
+#include "platform/files/paths.h"
+#include "platform/text/code_page.h"
+#include "store/modProductTable.h"
+#include "tests/support/fixed_clock.h"
+#include "tests/support/surface_test.h"
+#ifndef _WIN32
+#include "tests/support/posix/ordinary_user.h"
+#endif
+
+namespace {
+
+using database::DataType;
+using database::TableDef;
+using test_support::ReadAll;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr double kMoment = 45000.5;  // 2023-03-15 12:00
+constexpr double kMinute = 1.0 / (24 * 60);
+constexpr double kPrcDate = 38061;  // 2004-03-15
+
+class RegisterTest : public test_support::ProductTableTest {
+ protected:
+  RegisterTest() {
+    settings.objClock = &clock;
+    GetProcessedCollection(product_table);  // forgets what an earlier test has read
+  }
+
+  bool Set(const std::wstring& vName, bool vProcessed = true) {
+    CloseConnection();
+    clsOrvPap pap;
+    pap.FilePath = L"C:\\PAP32\\" + vName;
+    pap.PapDate = 1;
+    pap.PrcDate = kPrcDate;
+    pap.AssortmentDescription = description;
+    pap.SupplierDescription = L"\u0416 & Co";
+    return SetPapProcessed(product_table, pap, vProcessed);
+  }
+  std::vector<std::string> RegisterRows() {
+    auto rows = Rows(L"SELECT * FROM PriceUpdates ORDER BY FileName",
+                     {L"FileName", L"Date", L"Assortiment", L"DateProcessed"});
+    CloseConnection();
+    return rows;
+  }
+  // The texts of the message boxes so far, which are forgotten.
+  std::vector<std::string> Messages() {
+    std::vector<std::string> shown;
+    for (const auto& message : prompt.messages) shown.push_back(text::WideToUtf8(message.text));
+    prompt.messages.clear();
+    return shown;
+  }
+  void AppendTable(const TableDef& vTable) const {
+    database::DBEngine()
+        .OpenDatabase(product_table, false, false, L";pwd=quorbelintax")
+        ->AppendTable(vTable);
+  }
+  // A time before which nothing is in the register: two updates, the later one first in the table.
+  void FillRegister() {
+    clock.now = kMoment + kMinute;
+    ASSERT_TRUE(Set(L"late.PRC"));
+    clock.now = kMoment;
+    ASSERT_TRUE(Set(L"early.PRC"));
+    ASSERT_TRUE(GetProcessedCollection(product_table));
+  }
+
+  std::wstring description = L"Beams";
+  test_support::FixedClock clock{kMoment};
+};
+
+// Leaves a copy of the file for the independent readers, where they are asked.
+void KeepForOtherReaders(const std::filesystem::path& vFile, const char* vName) {
+  if (const char* folder = std::getenv("ORVPAP_CHANGED_FILES")) {
+    std::filesystem::copy_file(vFile, std::filesystem::path(folder) / vName,
+                               std::filesystem::copy_options::overwrite_existing);
+  }
+}
+
+TEST_F(RegisterTest, AProductTableWithoutRegisterIsTheNormalBeginning) {
+  EXPECT_FALSE(GetProcessedCollection(product_table));
+  EXPECT_FALSE(ProcessedPaps().has_value());
+  EXPECT_FALSE(IsPapProcessed(L""));
+  EXPECT_EQ(ProductConnection, nullptr);
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(RegisterTest, WhatIsRecordedIsReadBackOldestFirst) {
+  FillRegister();
+  EXPECT_EQ(ProductConnection, nullptr);
+  ASSERT_EQ(ProcessedPaps()->size(), 2U);
+  const clsOrvPap& first = *ProcessedPaps()->front();
+  EXPECT_EQ(first.FilePath, L"early.PRC");
+  EXPECT_EQ(first.PapDate, kPrcDate) << "the price date, not the update's own";
+  EXPECT_EQ(first.PrcDate, text::kUnsetDate);
+  EXPECT_EQ(first.AssortmentDescription, L"Beams");
+  EXPECT_EQ(first.SupplierDescription, L"\u0416 & Co");
+  EXPECT_EQ(first.DateProcessed, kMoment);
+  EXPECT_EQ(ProcessedPaps()->back()->FilePath, L"late.PRC");
+
+  EXPECT_TRUE(IsPapProcessed(L"late.PRC"));
+  EXPECT_FALSE(IsPapProcessed(L"late.prc")) << "compared exactly";
+  EXPECT_FALSE(IsPapProcessed(L"C:\\PAP32\\late.PRC"));
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(RegisterTest, AgainMovesOnlyTheTimeAndWithdrawingForgets) {
+  FillRegister();
+  clock.now = kMoment + 2 * kMinute;
+  description = L"Tubes";
+  EXPECT_TRUE(Set(L"EARLY.prc")) << "the database compares without case";
+  EXPECT_THAT(RegisterRows(), ElementsAre("early.PRC|2004-03-15|Beams|2023-03-15 12:02:00",
+                                          "late.PRC|2004-03-15|Beams|2023-03-15 12:01:00"));
+  EXPECT_EQ(ProcessedPaps()->front()->FilePath, L"early.PRC") << "a snapshot";
+  EXPECT_TRUE(GetProcessedCollection(product_table));
+  EXPECT_EQ(ProcessedPaps()->back()->FilePath, L"early.PRC");
+
+  EXPECT_TRUE(Set(L"early.PRC", false));
+  EXPECT_TRUE(Set(L"never.PRC", false)) << "nothing to withdraw";
+  EXPECT_THAT(RegisterRows(), ElementsAre("late.PRC|2004-03-15|Beams|2023-03-15 12:01:00"));
+  EXPECT_TRUE(Set(L"late.PRC", false));
+  EXPECT_FALSE(GetProcessedCollection(product_table));
+  EXPECT_FALSE(ProcessedPaps().has_value()) << "no rows are no collection";
+  EXPECT_FALSE(IsPapProcessed(L"late.PRC"));
+  EXPECT_EQ(ProductConnection, nullptr);
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(RegisterTest, NamesAndDescriptionsThatTheRegisterCannotHold) {
+  const std::wstring longest = std::wstring(46, L'x') + L".PRC";
+  const struct {
+    std::wstring name;
+    std::wstring description;
+    const char* error;  // empty: taken
+  } cases[] = {
+      {longest, std::wstring(50, L'd'), ""},
+      {L"\u00C9 \u20AC.PRC", L"Beams", ""},
+      {L"\u0416.PRC", L"Beams", "3027"},  // no known place in the order of the index
+      {L"O'Neill.PRC", L"Beams", "3001"},
+      {L"x" + longest, L"Beams", "3163"},
+      {std::wstring(200, L'y') + L".PRC", L"Beams", "3163"},
+      {L"long.PRC", std::wstring(51, L'd'), "3163"},
+      {L"none.PRC", L"", "3315"},
+  };
+  std::size_t taken = 0;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(text::WideToUtf8(c.name));
+    description = c.description;
+    const bool fits = std::string(c.error).empty();
+    EXPECT_EQ(Set(c.name), fits);
+    if (fits) {
+      ++taken;
+      EXPECT_THAT(Messages(), IsEmpty());
+    } else {
+      EXPECT_THAT(Messages(),
+                  ElementsAre(AllOf(HasSubstr("modSharedPap.SetPapProcessed (Function)"),
+                                    HasSubstr(c.error))));
+    }
+    EXPECT_EQ(RegisterRows().size(), taken);
+    EXPECT_EQ(ProductConnection, nullptr);
+  }
+  EXPECT_TRUE(GetProcessedCollection(product_table));
+  EXPECT_TRUE(IsPapProcessed(longest));
+  EXPECT_TRUE(IsPapProcessed(L"\u00C9 \u20AC.PRC"));
+}
+
+TEST_F(RegisterTest, ARegisterOfAnotherShapeIsReportedAndKept) {
+  const database::FieldDefinition name = {.Name = L"FileName", .Type = DataType::kText, .Size = 50};
+  const database::FieldDefinition date = {.Name = L"Date", .Type = DataType::kDate};
+  const database::FieldDefinition done = {.Name = L"DateProcessed", .Type = DataType::kDate};
+  const database::FieldDefinition wrong = {.Name = L"Date", .Type = DataType::kText, .Size = 50};
+  const TableDef shapes[] = {
+      {L"PriceUpdates", {name, date}, {}},
+      {L"PriceUpdates", {date, done}, {}},
+      {L"PriceUpdates", {name, wrong, done}, {}},
+      {L"PriceUpdates", {name, date, done}, {}},
+  };
+  const std::filesystem::path file = files::ToPath(product_table);
+  const std::string original = ReadAll(file);
+  for (const TableDef& shape : shapes) {
+    SCOPED_TRACE(&shape - shapes);
+    folder.Write("Orv.pt", original);
+    FillRegister();
+    folder.Write("Orv.pt", original);
+    AppendTable(shape);
+    EXPECT_FALSE(Set(L"a.PRC"));
+    EXPECT_EQ(Messages().size(), 1U);
+    EXPECT_THAT(Rows(L"SELECT * FROM PriceUpdates", {L"Date"}), IsEmpty());
+    AddRow(L"PriceUpdates", {{L"Date", text::Variant()}});
+    CloseConnection();
+    EXPECT_FALSE(GetProcessedCollection(product_table));
+    EXPECT_THAT(Messages(),
+                ElementsAre(HasSubstr("modSharedPap.GetProcessedCollection (Function)")));
+    EXPECT_FALSE(ProcessedPaps().has_value());
+    EXPECT_FALSE(IsPapProcessed(L"late.PRC"));
+    EXPECT_EQ(ProductConnection, nullptr);
+  }
+}
+
+TEST_F(RegisterTest, ATableThatDiffersInCaseIsInTheWay) {
+  AppendTable({L"priceupdates", {{.Name = L"Date", .Type = DataType::kDate}}, {}});
+  EXPECT_FALSE(Set(L"a.PRC"));
+  EXPECT_THAT(Messages(), ElementsAre(HasSubstr("3010")));
+}
+
+TEST_F(RegisterTest, AProductTableThatIsRefusedStaysAsItIs) {
+  FillRegister();
+  const std::filesystem::path file = files::ToPath(product_table);
+  const auto both_refuse = [&](const char* vReason) {
+    SCOPED_TRACE(vReason);
+    const bool exists = std::filesystem::exists(file);
+    const std::string before = exists ? ReadAll(file) : "";
+    EXPECT_FALSE(Set(L"a.PRC"));
+    const auto messages = Messages();
+    EXPECT_THAT(messages, testing::Contains(HasSubstr(vReason)));
+    EXPECT_FALSE(GetProcessedCollection(product_table));
+    EXPECT_EQ(Messages(), messages);
+    EXPECT_EQ(ProcessedPaps()->size(), 2U) << "as it was";
+    EXPECT_EQ(ProductConnection, nullptr);
+    EXPECT_EQ(std::filesystem::exists(file) ? ReadAll(file) : "", before);
+  };
+  {
+    const files::FileLock somebody(file, files::MissingFile::kHoldNothing);
+    EXPECT_FALSE(Set(L"a.PRC"));
+    EXPECT_THAT(Messages(), ElementsAre(HasSubstr("3045"), HasSubstr("#56")));
+    EXPECT_FALSE(GetProcessedCollection(product_table));
+    EXPECT_THAT(Messages(), ElementsAre(HasSubstr("3045"), HasSubstr("#56")));
+  }
+  const auto set_identity = [&](const wchar_t* vColumn, const text::Variant& vValue) {
+    database::Recordset info;
+    info.Open(L"SysDBInfo", Connection(), database::CursorType::kDynamic,
+              database::LockType::kOptimistic);
+    info(vColumn) = vValue;
+    info.Update();
+    CloseConnection();
+  };
+  set_identity(L"VerMinor", std::int32_t{21});
+  both_refuse("#54");
+  set_identity(L"DBType", L"pt");
+  both_refuse("#53");
+  std::filesystem::remove(file);
+  both_refuse("#56");
+}
+
+TEST_F(RegisterTest, AReadOnlyProductTableIsReadAndNotWritten) {
+  FillRegister();
+  const std::filesystem::path file = files::ToPath(product_table);
+  const std::string before = ReadAll(file);
+  using std::filesystem::perms;
+  std::filesystem::permissions(file, perms::owner_read | perms::group_read | perms::others_read);
+  {
+#ifndef _WIN32
+    const test_support::OrdinaryUser user;
+#endif
+    EXPECT_TRUE(GetProcessedCollection(product_table));
+    EXPECT_EQ(ProcessedPaps()->size(), 2U);
+    for (const bool processed : {true, false}) {
+      EXPECT_FALSE(Set(L"late.PRC", processed));
+      EXPECT_THAT(Messages(), ElementsAre(HasSubstr("3027")));
+    }
+  }
+  std::filesystem::permissions(file, perms::owner_all);
+  EXPECT_EQ(ReadAll(file), before);
+}
+
+// The table as every writer of it makes it, in a file that never had one.
+TEST_F(RegisterTest, TheTableIsMadeWithItsRules) {
+  const std::filesystem::path file = folder / "register.mdb";
+  {
+    const auto created = database::DBEngine().CreateDatabase(files::ToText(file));
+    TableDef info{L"SysDBInfo", {}, {}};
+    for (const wchar_t* name : {L"AppType", L"DBType"})
+      info.Fields.push_back({.Name = name, .Type = DataType::kText, .Size = 20});
+    for (const wchar_t* name : {L"VerMajor", L"VerMinor"})
+      info.Fields.push_back({.Name = name, .Type = DataType::kLong});
+    created->AppendTable(info);
+    const auto connection = test_support::OpenConnection(files::ToText(file), L"");
+    database::Recordset rows;
+    rows.Open(L"SysDBInfo", *connection, database::CursorType::kDynamic,
+              database::LockType::kOptimistic);
+    rows.AddNew();
+    rows(L"AppType") = L"ORVANE";
+    rows(L"DBType") = L"PT";
+    rows(L"VerMajor") = std::int32_t{3};
+    rows(L"VerMinor") = std::int32_t{20};
+    rows.Update();
+  }
+  ProductTablePassword.clear();
+  clsOrvPap pap;
+  pap.FilePath = L"C:\\PAP32\\\u00E9\u20AC.PRC";
+  pap.PrcDate = kPrcDate;
+  pap.AssortmentDescription = L"Beams";
+  pap.SupplierDescription = L"S";
+  EXPECT_TRUE(SetPapProcessed(files::ToText(file), pap, true));
+  pap.FilePath = L"C:\\PAP32\\b.PRC";
+  EXPECT_TRUE(SetPapProcessed(files::ToText(file), pap, true));
+  ProductTablePassword = kProductTablePassword;
+  EXPECT_THAT(Messages(), IsEmpty());
+
+  const auto tables = database::DBEngine().OpenDatabase(files::ToText(file))->TableDefs();
+  ASSERT_EQ(tables.size(), 2U);
+  const TableDef& table = tables.front();
+  EXPECT_EQ(table.Name, L"PriceUpdates");
+  const struct {
+    const wchar_t* name;
+    DataType type;
+    int size;
+    bool required;
+  } fields[] = {{L"FileName", DataType::kText, 50, true},
+                {L"Date", DataType::kDate, 8, false},
+                {L"Assortiment", DataType::kText, 50, false},
+                {L"Supplier", DataType::kText, 50, false},
+                {L"DateProcessed", DataType::kDate, 8, false}};
+  ASSERT_EQ(table.Fields.size(), std::size(fields));
+  for (std::size_t i = 0; i < std::size(fields); ++i) {
+    EXPECT_EQ(table.Fields[i].Name, fields[i].name);
+    EXPECT_EQ(table.Fields[i].Type, fields[i].type);
+    EXPECT_EQ(table.Fields[i].Size, fields[i].size);
+    EXPECT_EQ(table.Fields[i].Required, fields[i].required);
+    EXPECT_FALSE(table.Fields[i].AllowZeroLength);
+  }
+  ASSERT_EQ(table.Indexes.size(), 1U);
+  EXPECT_EQ(table.Indexes[0].Name, L"PriceUpdates_PK");
+  EXPECT_EQ(table.Indexes[0].Fields, std::vector<std::wstring>{L"FileName"});
+  EXPECT_TRUE(table.Indexes[0].Primary);
+  EXPECT_TRUE(table.Indexes[0].Unique);
+  KeepForOtherReaders(file, "register.mdb");
+}
+
+}  // namespace

@@ -1,0 +1,193 @@
+// The import page where something is in the way: the log, the backup, the product table, a name.
+#include <gmock/gmock.h>
+
+#include <optional>
+
+#include "platform/files/file_lock.h"
+#include "platform/files/paths.h"
+#include "platform/text/code_page.h"
+#include "tests/wizard/import_page_test.h"
+#ifndef _WIN32
+#include "tests/support/posix/ordinary_user.h"
+#endif
+
+namespace {
+
+using test_support::ReadAll;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class usrImportBadInputTest : public ImportPageTest {
+ protected:
+  // Keeps everybody else out of the product table from the moment at which the list has this many
+  // lines until it has more.
+  void LockProductTableAt(std::size_t vLines) {
+    pump.meanwhile = [this, vLines] {
+      const std::size_t lines = page.lvResults.Items().size();
+      if (lines == vLines && !m_somebody) {
+        m_somebody.emplace(files::ToPath(product_table), files::MissingFile::kHoldNothing);
+      } else if (lines > vLines) {
+        m_somebody.reset();
+      }
+    };
+  }
+
+ private:
+  std::optional<files::FileLock> m_somebody;
+};
+
+TEST_F(usrImportBadInputTest, ALogThatCannotBeWrittenIsToldOnceAndMissed) {
+  std::filesystem::create_directory(log);
+  const clsOrvPap& update = Add(L"update.PRC");
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(Listed(), Applied(update));
+  EXPECT_THAT(Boxes(), ElementsAre(HasSubstr("Procedure = StartLog\r\nError = 7")));
+  EXPECT_THAT(Register(), SizeIs(1));
+}
+
+TEST_F(usrImportBadInputTest, ABackupThatCannotBeMadeStopsNothing) {
+  std::filesystem::create_directory(backup);
+  Add(L"update.PRC");
+  EXPECT_TRUE(Start(true));
+  EXPECT_EQ(Listed().front(), BackupLine());
+  EXPECT_THAT(Boxes(), IsEmpty());
+  EXPECT_THAT(Register(), SizeIs(1));
+
+  std::filesystem::remove(backup);
+  folder.Write(backup.filename(), "an earlier backup");
+  const files::FileLock somebody(backup, files::MissingFile::kHoldNothing);
+  EXPECT_TRUE(Start(true));
+#ifndef _WIN32
+  EXPECT_EQ(ReadAll(backup), "an earlier backup");
+#endif
+}
+
+TEST_F(usrImportBadInputTest, AProductTableThatIsMissingOrInUseIsRefused) {
+  Add(L"update.PRC");
+  const std::string text = "#56 " + text::WideToUtf8(product_table);
+  {
+    const files::FileLock somebody(files::ToPath(product_table), files::MissingFile::kHoldNothing);
+    EXPECT_FALSE(Start(true));
+    EXPECT_THAT(Listed(), ElementsAre("! " + text + "|"));
+    EXPECT_THAT(Boxes(), ElementsAre(HasSubstr("Error = 3045: "), text));
+  }
+  std::filesystem::remove(files::ToPath(product_table));
+  EXPECT_FALSE(Start(true));
+  EXPECT_THAT(Listed(), ElementsAre("! " + text + "|"));
+  EXPECT_THAT(Boxes(), ElementsAre(HasSubstr("Error = 3024: "), text));
+  EXPECT_FALSE(std::filesystem::exists(backup));
+  EXPECT_THAT(Logged(), SizeIs(3));
+}
+
+// Such a file can be opened: the first record is refused, and so is the register.
+TEST_F(usrImportBadInputTest, AProductTableForReadingOnlyStaysAsItIs) {
+  Add(L"update.PRC");
+  const auto path = files::ToPath(product_table);
+  const std::string before = ReadAll(path);
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  {
+#ifndef _WIN32
+    std::filesystem::permissions(path, std::filesystem::perms::others_read,
+                                 std::filesystem::perm_options::add);
+    std::filesystem::permissions(folder / "program", std::filesystem::perms::all);
+    const test_support::OrdinaryUser user;
+#endif
+    EXPECT_FALSE(Start(true));
+  }
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  EXPECT_THAT(Listed().back(), testing::StartsWith("! #64|3027: "));
+  EXPECT_THAT(Boxes(), ElementsAre(AllOf(HasSubstr("modSharedPap.SetPapProcessed (Function)"),
+                                         HasSubstr("Error = 3027: "))));
+  EXPECT_EQ(ReadAll(path), before);
+}
+
+// Somebody takes the product table between two updates: the update in hand is not applied and not
+// recorded, which message boxes tell; the next one is.
+TEST_F(usrImportBadInputTest, AProductTableThatIsTakenMeanwhileCostsTheUpdateInHand) {
+  const std::string text = "#56 " + text::WideToUtf8(product_table);
+  Add(L"first.PRC");
+  Add(L"second.PRC");
+  const clsOrvPap& third = Add(L"third.PRC");
+  LockProductTableAt(1 + 4 + 1);  // at the second update's backup
+  EXPECT_TRUE(Start(true)) << "no message was an error";
+  std::vector<std::string> lines = Listed();
+  ASSERT_EQ(lines.size(), 1 + 4 + 1 + 1 + 4U);
+  EXPECT_EQ(std::vector(lines.end() - 4, lines.end()), Applied(third));
+  EXPECT_THAT(Boxes(), ElementsAre(HasSubstr("Error = 3045: "), text,    // applying
+                                   HasSubstr("Error = 3045: "), text));  // recording
+  EXPECT_THAT(Register(), ElementsAre(HasSubstr("first.PRC|"), HasSubstr("third.PRC|")));
+}
+
+// The update is applied whatever its name; what the register cannot hold is told.
+TEST_F(usrImportBadInputTest, AnyFileNameIsApplied) {
+  const std::string unrecorded = "Procedure = modSharedPap.SetPapProcessed (Function)";
+  const struct {
+    const char* name;
+    std::wstring file;
+    std::vector<std::string> reports;
+    std::string logged;  // the end of the log line; outside the code page a question mark
+  } cases[] = {
+      {"apostrophe", L"O'Neill.PRC", {unrecorded}, "O'Neill.PRC"},
+      {"200 characters", std::wstring(196, L'x') + L".PRC", {unrecorded}, "xxx.PRC"},
+      {"accents", L"Pr\u00E9.PRC", {}, "Pr\xE9.PRC"},
+      {"another alphabet", L"\u0416\u0416.PRC", {unrecorded}, "??.PRC"},
+  };
+  std::size_t recorded = 0;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    updates.clear();
+    const clsOrvPap& update = Add(c.file);
+    EXPECT_TRUE(Start());
+    EXPECT_EQ(Listed(), Applied(update));
+    std::vector<std::string> boxes = Boxes();
+    ASSERT_EQ(boxes.size(), c.reports.size()) << testing::PrintToString(boxes);
+    for (std::size_t i = 0; i < boxes.size(); ++i) EXPECT_THAT(boxes[i], HasSubstr(c.reports[i]));
+    EXPECT_THAT(Logged(), testing::Contains(
+                              AllOf(testing::StartsWith("#59: "), testing::EndsWith(c.logged))));
+    if (c.reports.empty()) ++recorded;
+    EXPECT_THAT(Register(), SizeIs(recorded));
+  }
+}
+
+// The product table's own path: the backup goes beside it, and the log names it.
+TEST_F(usrImportBadInputTest, AnyProductTablePathIsUpdated) {
+  Add(L"update.PRC");
+  for (const std::wstring& name :
+       {std::wstring(L"O'Neill & Zn"), std::wstring(120, L'y'), std::wstring(L"\u0416 %s")}) {
+    SCOPED_TRACE(text::WideToUtf8(name));
+    const auto place = folder / files::ToPath(name);
+    std::filesystem::create_directory(place);
+    const auto table = place / files::ToPath(L"\u0416'.pt");
+    std::filesystem::copy_file(files::ToPath(product_table), table);
+    EXPECT_TRUE(page.StartImport(files::ToText(table), updates, true));
+    EXPECT_EQ(ReadAll(place / backup.filename()), ReadAll(files::ToPath(product_table)));
+    EXPECT_NE(ReadAll(table), ReadAll(files::ToPath(product_table)));
+    EXPECT_THAT(Boxes(), IsEmpty());
+  }
+}
+
+// Codes of the update that no file name can hold: no backup, and the import goes on.
+TEST_F(usrImportBadInputTest, CodesThatAreNoFileNameMakeNoBackup) {
+  clsOrvPap& update = Add(L"update.PRC");
+  update.SupplierDescription = L"First";
+  for (const std::wstring& code : {std::wstring(L"no/where/at:all"), std::wstring(400, L'z')}) {
+    update.PrcDate = 0;
+    update.AssortmentCode = L"BEAMS";
+    const std::wstring before = update.SupplierCode;
+    update.SupplierCode = code;
+    EXPECT_FALSE(Start(true)) << "there is no such supplier";
+    update.SupplierCode = before;
+    EXPECT_THAT(Listed().front(), testing::EndsWith("_18991230.pt"));
+    EXPECT_THAT(Boxes(), IsEmpty());
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+      files += entry.is_regular_file() ? 1 : 0;
+    }
+    EXPECT_EQ(files, 1U) << "the product table";
+  }
+}
+
+}  // namespace

@@ -1,0 +1,211 @@
+// The import page: what it lists, logs, backs up and records, and in which order.
+#include "wizard/usrImport.h"
+
+#include <gmock/gmock.h>
+
+#include "demo/product_table.h"
+#include "platform/files/paths.h"
+#include "platform/text/code_page.h"
+#include "store/modProductTable.h"
+#include "tests/wizard/import_page_test.h"
+#include "updates/modSharedPapRegister.h"
+
+namespace {
+
+using test_support::ReadAll;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr char kSeparator[] = "=========================";
+
+class usrImportTest : public ImportPageTest {};
+
+TEST_F(usrImportTest, ARefusalInOneUpdateKeepsNoOtherFromBeingApplied) {
+  const clsOrvPap& first = Add(L"first.PRC");
+  const clsOrvPap& second = Add(L"second.PRC", kRefusedPrice);
+  const clsOrvPap& third = Add(L"third.PRC", "[NEW SERIE]\r\nHEA,HEA beams,7.85,True,\r\n");
+  // The second one was applied once before.
+  ASSERT_TRUE(SetPapProcessed(product_table, second, true));
+
+  EXPECT_FALSE(Start());
+  std::vector<std::string> expected = Applied(first);
+  const std::vector<std::string> refused = Applied(second);
+  expected.insert(expected.end(), refused.begin(), refused.end());
+  expected.insert(expected.end() - 1, "! #64|#101 X");
+  const std::vector<std::string> applied = Applied(third);
+  expected.insert(expected.end(), applied.begin(), applied.end());
+  EXPECT_EQ(Listed(), expected);
+  EXPECT_THAT(heard, ElementsAre("step #51 #10", "next", "back"));
+  EXPECT_THAT(Boxes(), IsEmpty());
+  EXPECT_THAT(Register(), ElementsAre(HasSubstr("first.PRC|"), HasSubstr("third.PRC|")));
+  EXPECT_THAT(Rows(L"Serie", {L"SerieCode"}), ElementsAre("HEA"));
+  EXPECT_EQ(page.ProgressBarTotal.Value(), 3);
+  EXPECT_EQ(page.ProgressBarTotal.Max(), 3);
+  EXPECT_FALSE(ProductConnection) << "the product table is released";
+  EXPECT_THAT(std::filesystem::exists(backup), false);
+}
+
+// What is not shown is logged all the same, each message once and in its place.
+TEST_F(usrImportTest, EveryMessageIsLogged) {
+  const clsOrvPap& update = Add(L"update.PRC", kRefusedPrice);
+  folder.Write("program/paplog.txt", "of an earlier run");
+  Start(true);
+  EXPECT_THAT(Logged(),
+              ElementsAre(kSeparator, "#55: " + text::WideToUtf8(product_table),
+                          "#57: " + text::WideToUtf8(files::ToText(backup)),
+                          "#59: " + text::WideToUtf8(update.FilePath), "#60: BEAMS - Beams",
+                          "#61: S1 - First", "#63: 1", "#96: S1 - First", "#65: 1",
+                          "#82: BEAMS - Beams", "#60: 1", "#89: BEAMS - S1", "#69: 0", "#70: 0",
+                          "#71: 0", "#76: 1", "#64: #101 X", "#78: ", "#59: #62", kSeparator));
+}
+
+TEST_F(usrImportTest, NothingChosenIsALineAndAReportOfTheMissingLog) {
+  EXPECT_FALSE(Start());
+  EXPECT_THAT(Listed(), ElementsAre("! #52|"));
+  EXPECT_THAT(heard, ElementsAre("step #51 #10"));
+  EXPECT_THAT(Boxes(), ElementsAre(AllOf(HasSubstr("Procedure = tmpOrvPap_ShowListMessage (Sub)"),
+                                         HasSubstr("Error = 91: "))));
+  EXPECT_FALSE(std::filesystem::exists(log));
+
+  // The same after a run that had a log.
+  Add(L"update.PRC");
+  EXPECT_TRUE(Start());
+  updates.clear();
+  const std::string logged = ReadAll(log);
+  EXPECT_FALSE(Start());
+  EXPECT_THAT(Boxes(), SizeIs(1));
+  EXPECT_EQ(ReadAll(log), logged);
+}
+
+TEST_F(usrImportTest, AnotherDatabaseIsRefusedBeforeAnythingIsTouched) {
+  const struct {
+    const char* name;
+    std::wstring column;  // of the identity row, that gets this value
+    text::Variant value;
+    std::string line;
+  } cases[] = {
+      {"product", L"AppType", L"orvane", "#53 "},
+      {"type", L"DBType", L"XX", "#53 "},
+      {"major version", L"VerMajor", std::int32_t{4}, "#54 "},
+      {"minor version", L"VerMinor", std::int32_t{21}, "#54 "},
+  };
+  Add(L"update.PRC");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string accepted = ReadAll(files::ToPath(product_table));
+    {
+      database::Recordset info;
+      info.Open(L"SysDBInfo", Connection(), database::CursorType::kDynamic,
+                database::LockType::kOptimistic);
+      info(c.column) = c.value;
+      info.Update();
+    }
+    CloseConnection();
+    const std::string before = ReadAll(files::ToPath(product_table));
+    const std::string text = c.line + text::WideToUtf8(product_table);
+    EXPECT_FALSE(Start(true));
+    EXPECT_THAT(Listed(), ElementsAre("! " + text + "|"));
+    EXPECT_THAT(Boxes(), ElementsAre(text));
+    EXPECT_THAT(heard, ElementsAre("step #51 #10"));
+    EXPECT_THAT(Logged(), ElementsAre(kSeparator, text + ": ", kSeparator));
+    EXPECT_FALSE(ProductConnection);
+    EXPECT_EQ(ReadAll(files::ToPath(product_table)), before);
+    EXPECT_FALSE(std::filesystem::exists(backup));
+    folder.Write("Orv.pt", accepted);
+  }
+}
+
+TEST_F(usrImportTest, ABackupHoldsTheProductTableAsItWasBeforeItsUpdate) {
+  const std::string before = ReadAll(files::ToPath(product_table));
+  Add(L"update.PRC");
+  EXPECT_TRUE(Start(true));
+  EXPECT_EQ(Listed().front(), BackupLine());
+  EXPECT_EQ(ReadAll(backup), before);
+
+  // Another update of the same name, code and date: its backup replaces the first.
+  const std::string applied_once = ReadAll(files::ToPath(product_table));
+  EXPECT_TRUE(Start(true));
+  EXPECT_EQ(ReadAll(backup), applied_once);
+  std::size_t files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    if (entry.is_regular_file()) ++files;
+  }
+  EXPECT_EQ(files, 2U) << "product table and backup";
+}
+
+TEST_F(usrImportTest, ANewRunForgetsTheListAndTheErrorsOfTheLast) {
+  Add(L"refused.PRC", kRefusedPrice);
+  EXPECT_FALSE(Start());
+  updates.clear();
+  const clsOrvPap& update = Add(L"update.PRC");
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(Listed(), Applied(update));
+  EXPECT_EQ(page.ProgressBarTotal.Max(), 1);
+}
+
+TEST_F(usrImportTest, EachMessageIsScrolledToAndShownAtOnce) {
+  struct Watcher final : controls::ListView::ItemObserver {
+    void ColumnsChanged() override {}
+    void ItemAdded(std::size_t vIndex) override { added = vIndex; }
+    void ItemChanged(std::size_t) override {}
+    void ItemsCleared() override {}
+    void ScrollIntoView(std::size_t vIndex) override { scrolled = vIndex; }
+    std::optional<std::size_t> added;
+    std::optional<std::size_t> scrolled;
+  } watcher;
+  page.lvResults.ObserveItems(&watcher);
+  std::size_t seen = 0;
+  pump.meanwhile = [&] {
+    EXPECT_LE(page.lvResults.Items().size(), seen + 1) << "a message was not shown at once";
+    seen = page.lvResults.Items().size();
+    EXPECT_EQ(watcher.scrolled, watcher.added);
+    EXPECT_LE(page.pBar.Value(), page.pBar.Max());
+  };
+  Add(L"update.PRC", "[NEW SERIE]\r\n");
+  EXPECT_TRUE(Start());
+  EXPECT_EQ(seen, 4U);
+  EXPECT_EQ(page.pBar.Max(), 1) << "a step without records";
+  EXPECT_EQ(page.pBar.Value(), 1);
+}
+
+TEST_F(usrImportTest, TheClipboardGetsALineAnItem) {
+  page.cmdCopyToClipboard.Press();
+  EXPECT_EQ(clipboard.text, L"");
+  const clsOrvPap& update = Add(L"update.PRC");
+  Start();
+  EXPECT_EQ(page.cmdCopyToClipboard.ToolTip(), L"#58");
+  const std::wstring lines =
+      L"#59\t" + update.FilePath + L"\r\n#60\tBEAMS - Beams\r\n#61\tS1 - First\r\n#59\t#62\r\n";
+  page.cmdCopyToClipboard.Press();
+  page.cmdCopyToClipboard.Press();
+  EXPECT_EQ(clipboard.text, lines);
+  clipboard.failure = text::RuntimeError(521, L"Can't open Clipboard");
+  page.cmdCopyToClipboard.Press();
+  EXPECT_THAT(Boxes(), ElementsAre(AllOf(HasSubstr("usrImport.cmdCopyToClipboard_Click (Sub)"),
+                                         HasSubstr("Error = 521: Can't open Clipboard"))));
+}
+
+// The window is closed in the middle of an import: nothing is held any longer, nothing is reported.
+TEST_F(usrImportTest, AnImportThatIsCutOffReleasesEverything) {
+  Add(L"update.PRC", kRefusedPrice);
+  pump.meanwhile = [this] {
+    if (Listed().size() == 3) throw ProcessEnding();
+  };
+  EXPECT_THROW(Start(), ProcessEnding);
+  EXPECT_FALSE(ProductConnection);
+  EXPECT_EQ(updates[0].use_count(), 1);
+  EXPECT_FALSE(updates[0]->ShowListMessage);
+  EXPECT_EQ(Logged().back(), kSeparator);
+  EXPECT_THAT(Boxes(), IsEmpty());
+  EXPECT_THAT(heard, ElementsAre("step #51 #10"));
+  pump.meanwhile = nullptr;
+  EXPECT_FALSE(Start());
+  EXPECT_THAT(Listed(), SizeIs(5)) << "all of it, the second time";
+}
+
+}  // namespace

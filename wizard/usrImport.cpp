@@ -1,0 +1,226 @@
+// The wizard's last page: runs the import and shows what became of it.
+#include "wizard/usrImport.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "app/modGeneralFunctions.h"
+#include "app/modShared.h"
+#include "platform/text/date.h"
+#include "platform/text/strings.h"
+#include "store/modProductTable.h"
+#include "updates/modSharedPapFolder.h"
+#include "updates/modSharedPapRegister.h"
+#include "wizard/PageSupport.h"
+
+namespace {
+
+namespace ImportPageTexts {
+constexpr std::int32_t kTitle = 51;
+constexpr std::int32_t kNothingChosen = 52;
+// "%s" stands for the product table's path.
+constexpr std::int32_t kNoProductTable = 53;
+constexpr std::int32_t kOtherVersion = 54;
+constexpr std::int32_t kCannotBeOpened = 56;
+constexpr std::int32_t kOpened = 55;
+constexpr std::int32_t kBackup = 57;
+constexpr std::int32_t kCopyTip = 58;
+constexpr std::int32_t kMessageColumn = 1007;
+constexpr std::int32_t kDetailColumn = 1008;
+constexpr std::int32_t kCopy = 1030;
+}  // namespace ImportPageTexts
+
+constexpr wchar_t kLogFile[] = L"paplog.txt";
+constexpr wchar_t kBackupExtension[] = L".pt";
+
+// The classic error of using an object that is not there.
+constexpr std::int32_t kNoObject = 91;
+
+std::wstring LogPath() {
+  const std::wstring& path = Shared().strLogFile;
+  return path.empty() ? AddBackslash(ProgramFolder()) + kLogFile : path;
+}
+
+// The text that says why a product table is refused; nothing for one that is accepted, which is
+// then open in ProductConnection. A refused one may still be open there.
+std::optional<std::int32_t> RefusalOf(const std::wstring& vPtFile) {
+  const bool accepted = OpenProductTable(vPtFile);
+  if (!ProductConnection || !ProductConnection->Connection) return ImportPageTexts::kCannotBeOpened;
+  const clsConnection& opened = *ProductConnection;
+  if (opened.DBType != kProductTableDBType || opened.AppType != kProductTableAppType) {
+    return ImportPageTexts::kNoProductTable;
+  }
+  if (opened.VerMajor != kProductTableVerMajor || opened.VerMinor != kProductTableVerMinor) {
+    return ImportPageTexts::kOtherVersion;
+  }
+  return accepted ? std::nullopt : std::optional(ImportPageTexts::kCannotBeOpened);
+}
+
+// The name tells which update it was made for and not when: applying the same update again replaces
+// the backup.
+std::wstring BackupPath(const std::wstring& vPtFile, const clsOrvPap& vOrvPap) {
+  return AddBackslash(GetFolder(vPtFile)) + vOrvPap.AssortmentCode + L"_" + vOrvPap.SupplierCode +
+         L"_" + text::FormatCompactDate(vOrvPap.PrcDate) + kBackupExtension;
+}
+
+// Ends the log of a run, however that is left.
+class LogEnd {
+ public:
+  explicit LogEnd(std::unique_ptr<clsLogfile>& vLog) : m_log(vLog) {}
+  LogEnd(const LogEnd&) = delete;
+  LogEnd& operator=(const LogEnd&) = delete;
+  ~LogEnd() { m_log.reset(); }
+
+ private:
+  std::unique_ptr<clsLogfile>& m_log;
+};
+
+}  // namespace
+
+// While it lives, an update is the page's tmpOrvPap and its events come to the page.
+class usrImport::UpdateInHand {
+ public:
+  UpdateInHand(usrImport& vPage, std::shared_ptr<clsOrvPap> vOrvPap) : m_page(vPage) {
+    m_page.tmpOrvPap = std::move(vOrvPap);
+    clsOrvPap& update = *m_page.tmpOrvPap;
+    update.ProgressInit = [&vPage](std::int32_t vMax) { vPage.tmpOrvPap_ProgressInit(vMax); };
+    update.ProgressCurrent = [&vPage](std::int32_t vCurrent) {
+      vPage.tmpOrvPap_ProgressCurrent(vCurrent);
+    };
+    update.ShowListMessage = [&vPage](const std::wstring& vMessage, const std::wstring& vMessageSub,
+                                      bool vShowInList, bool vError) {
+      vPage.tmpOrvPap_ShowListMessage(vMessage, vMessageSub, vShowInList, vError);
+    };
+  }
+  UpdateInHand(const UpdateInHand&) = delete;
+  UpdateInHand& operator=(const UpdateInHand&) = delete;
+  ~UpdateInHand() {
+    clsOrvPap& update = *m_page.tmpOrvPap;
+    update.ProgressInit = nullptr;
+    update.ProgressCurrent = nullptr;
+    update.ShowListMessage = nullptr;
+    m_page.tmpOrvPap.reset();
+  }
+
+ private:
+  usrImport& m_page;
+};
+
+usrImport::usrImport() {
+  cmdCopyToClipboard.Click = [this] { cmdCopyToClipboard_Click(); };
+}
+
+bool usrImport::StartImport(const std::wstring& vPtFile,
+                            const std::vector<std::shared_ptr<clsOrvPap>>& vColOrvPap,
+                            bool vMakeBackup) {
+  const ProductConnectionGuard connection_end;
+  const LogEnd log_end(m_log);
+  try {
+    m_error = false;
+    setupLanguage();
+    RaiseEvent(SetStepText, StepText(LanguageText(ImportPageTexts::kTitle)));
+    lvResults.Clear();
+    if (vColOrvPap.empty()) {
+      // There is no log yet for this line, which is reported.
+      tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kNothingChosen), L"", true, true);
+      return false;
+    }
+    m_log = std::make_unique<clsLogfile>();
+    m_log->StartLog(LogPath());
+    if (!CheckProductTable(vPtFile)) return false;
+    ProductConnection.reset();  // each update opens it for itself
+
+    ProgressBarTotal.SetMax(static_cast<std::int32_t>(vColOrvPap.size()));
+    std::int32_t number = 0;
+    for (const std::shared_ptr<clsOrvPap>& orv_pap : vColOrvPap) {
+      ProgressBarTotal.SetValue(++number);
+      const UpdateInHand in_hand(*this, orv_pap);
+      ApplyUpdate(vPtFile, vMakeBackup);
+    }
+    RaiseEvent(AanzettenVolgende, true);
+    RaiseEvent(AanzettenVorige, true);
+    return !m_error;
+  } catch (...) {
+    ShowErrorMessage(L"usrImport.StartImport (Function)");
+    return false;
+  }
+}
+
+void usrImport::setupLanguage() {
+  lvResults.SetColumns({LanguageText(ImportPageTexts::kMessageColumn),
+                        LanguageText(ImportPageTexts::kDetailColumn)});
+  cmdCopyToClipboard.SetCaption(LanguageText(ImportPageTexts::kCopy));
+  cmdCopyToClipboard.SetToolTip(ToolTipText(ImportPageTexts::kCopyTip));
+}
+
+bool usrImport::CheckProductTable(const std::wstring& vPtFile) {
+  if (const std::optional<std::int32_t> refusal = RefusalOf(vPtFile)) {
+    tmpOrvPap_ShowListMessage(text::ReplaceAll(LanguageText(*refusal), L"%s", vPtFile), L"", true,
+                              true);
+    return false;
+  }
+  tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kOpened), vPtFile, false, false);
+  return true;
+}
+
+void usrImport::ApplyUpdate(const std::wstring& vPtFile, bool vMakeBackup) {
+  if (vMakeBackup) {
+    const std::wstring path = BackupPath(vPtFile, *tmpOrvPap);
+    CopyPapFile(vPtFile, path);
+    tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kBackup), path, true, false);
+  }
+  const bool result = tmpOrvPap->UpdatePT(vPtFile);
+  SetPapProcessed(vPtFile, *tmpOrvPap, result);
+}
+
+void usrImport::tmpOrvPap_ProgressInit(std::int32_t vMax) {
+  try {
+    pBar.SetMax(std::max(vMax, 1));
+    pBar.SetValue(1);
+    DoEvents();
+  } catch (...) {
+    ShowErrorMessage(L"tmpOrvPap_ProgressInit (Sub)");
+  }
+}
+
+void usrImport::tmpOrvPap_ProgressCurrent(std::int32_t vCurrent) {
+  try {
+    pBar.SetValue(vCurrent);
+  } catch (...) {
+    ShowErrorMessage(L"tmpOrvPap_ProgressCurrent (Sub)");
+  }
+}
+
+void usrImport::tmpOrvPap_ShowListMessage(const std::wstring& vMessage,
+                                          const std::wstring& vMessageSub, bool vShowInList,
+                                          bool vError) {
+  try {
+    if (vShowInList || vError) {
+      const std::size_t item = lvResults.AddItem({.text = vMessage, .sub_items = {vMessageSub}});
+      lvResults.EnsureVisible(item);
+      if (vError) {
+        m_error = true;
+        lvResults.SetColour(item, controls::kRed);
+      }
+    }
+    DoEvents();
+    if (!m_log)
+      throw text::RuntimeError(kNoObject, L"Object variable or With block variable not set");
+    m_log->WriteLog(vMessage + L": " + vMessageSub);
+  } catch (...) {
+    ShowErrorMessage(L"tmpOrvPap_ShowListMessage (Sub)");
+  }
+}
+
+void usrImport::cmdCopyToClipboard_Click() const {
+  try {
+    std::wstring lines;
+    for (const controls::ListItem& item : lvResults.Items()) {
+      lines += item.text + L'\t' + item.sub_items.front() + L"\r\n";
+    }
+    Shared().objClipboard->Clear();
+    Shared().objClipboard->SetText(lines);
+  } catch (...) {
+    ShowErrorMessage(L"usrImport.cmdCopyToClipboard_Click (Sub)");
+  }
+}

@@ -1,0 +1,28 @@
+// The wizard's first page: a welcome text.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/controls/control.h"
+#include "platform/controls/text_box.h"
+
+// Shows the text file that the setting PAPUPDATERWELCOME names (strWelcomeText, app/modShared). Its
+// first line is a heading for the status line, the others are the text. One thread.
+class usrWelkom final : public controls::Control {
+ public:
+  usrWelkom();
+
+  controls::TextBox Text1;  // the text, for reading only
+
+  std::function<void(bool vAan)> AanzettenVolgende;  // whether the user may go on
+  std::function<void(const std::wstring& vCaption)> SetStepText;
+
+  // Shows the text and lets the user go on, whatever became of the text. A file that is missing, or
+  // whose heading is blank, is no error: a text of the program's own then stands there. A file
+  // without a second line, or one that cannot be read, is reported, and the page stays as it was.
+  void Init();
+
+ private:
+  void LadenWelkomText();
+};
