@@ -7,6 +7,8 @@
 
 #include "platform/database/errors.h"
 #include "platform/database/session.h"
+#include "platform/files/paths.h"
+#include "platform/jet/compaction.h"
 #include "platform/text/code_page.h"
 #include "platform/text/strings.h"
 
@@ -207,6 +209,14 @@ std::unique_ptr<Database> DBEngine::CreateDatabase(const std::wstring& path,
                                                    const std::wstring& connect, bool encrypt) {
   auto session = Session::Create(path, PasswordIn(connect), encrypt);
   return std::unique_ptr<Database>(new Database(std::move(session)));
+}
+
+void DBEngine::CompactDatabase(const std::wstring& source, const std::wstring& target,
+                               const std::wstring& connect, const std::function<void()>& progress) {
+  Translated(source, [&] {
+    jet::CompactFile(files::ToPath(source), files::ToPath(target),
+                     {.password = text::WideToUtf16(PasswordIn(connect)), .progress = progress});
+  });
 }
 
 }  // namespace database

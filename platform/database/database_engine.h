@@ -1,6 +1,7 @@
 // Creating and inspecting databases, in the shape of the classic engine objects.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -96,6 +97,14 @@ class DBEngine {
   // A new file with this password; 3204 ("Database already exists.") over an existing one.
   std::unique_ptr<Database> CreateDatabase(const std::wstring& path,
                                            const std::wstring& connect = L"", bool encrypt = false);
+  // Makes the new file `target` with the contents of `source` and its password, which `connect`
+  // gives, without the gaps that changes have left (docs/compaction.md). `progress` is called now
+  // and then and may throw to end it. 3045 when anybody, this process included, has the source
+  // open; 3204 over an existing target; 3027 when the source holds what cannot be carried over
+  // whole, 3049 when it is damaged. After a failure there is no target.
+  void CompactDatabase(const std::wstring& source, const std::wstring& target,
+                       const std::wstring& connect = L"",
+                       const std::function<void()>& progress = {});
 };
 
 }  // namespace database

@@ -4,15 +4,15 @@
 #include <algorithm>
 #include <array>
 #include <random>
-#include <string>
 #include <system_error>
-#include <utility>
 
 #include "platform/jet/data_page.h"
 #include "platform/jet/database_impl.h"
 #include "platform/jet/default_value.h"
 #include "platform/jet/error.h"
 #include "platform/jet/index_creator.h"
+#include "platform/jet/lent_page_store.h"
+#include "platform/jet/new_file.h"
 #include "platform/jet/system_tables.h"
 #include "platform/jet/table_creator.h"
 #include "platform/jet/table_definition_store.h"
@@ -33,20 +33,6 @@ std::uint32_t RandomPageKey() {
   std::uint32_t key = 0;
   while (key == 0) key = random();
   return key;
-}
-
-// The page with the maps of free and of released pages.
-void WriteGlobalMaps(Pager& pager) {
-  std::array<std::byte, usage_map::kRowSize> none{};
-  std::array<std::byte, usage_map::kRowSize> free = none;
-  const auto bits = std::span(free).subspan(usage_map::kBitsAt);
-  std::fill(bits.begin(), bits.end(), std::byte{0xff});
-  bits[0] = std::byte{0xff} << kFirstFreePage;
-
-  ByteEditor page = pager.EditNew(kGlobalMapsPage);
-  data_page::Format(page, kGlobalMapsPage);
-  data_page::AddRow(page, free);
-  data_page::AddRow(page, none);
 }
 
 void WriteSystemTables(Database::Impl& database) {
@@ -110,40 +96,20 @@ void AddRights(Catalog& catalog) {
   add(object_id::kRelationships, account::kUsers, 0xfffff, true);
 }
 
-// A file that goes away again unless it was given its final name.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(std::filesystem::path beside) : path_(std::move(beside)) {
-    path_ += "." + std::to_string(std::random_device{}()) + ".new";
-  }
-  ~TemporaryFile() {
-    std::error_code ignored;
-    std::filesystem::remove(path_, ignored);
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
-  // Gives the file another name, which nothing has yet.
-  void MoveTo(const std::filesystem::path& final_path) const {
-    // A second name, unlike a rename, never takes the place of a file.
-    std::error_code error;
-    std::filesystem::create_hard_link(path_, final_path, error);
-    if (!error) return;
-    std::error_code ignored;
-    if (error == std::errc::file_exists || std::filesystem::exists(final_path, ignored))
-      throw Error(ErrorKind::kDatabaseExists, {final_path.u16string()});
-    // A file system without second names.
-    std::filesystem::rename(path_, final_path, error);
-    if (error) throw Error(ErrorKind::kIo, error.message());
-  }
-
- private:
-  std::filesystem::path path_;
-};
-
 }  // namespace
+
+void WriteGlobalMaps(Pager& pager) {
+  std::array<std::byte, usage_map::kRowSize> none{};
+  std::array<std::byte, usage_map::kRowSize> free = none;
+  const auto bits = std::span(free).subspan(usage_map::kBitsAt);
+  std::fill(bits.begin(), bits.end(), std::byte{0xff});
+  bits[0] = std::byte{0xff} << kFirstFreePage;
+
+  ByteEditor page = pager.EditNew(kGlobalMapsPage);
+  data_page::Format(page, kGlobalMapsPage);
+  data_page::AddRow(page, free);
+  data_page::AddRow(page, none);
+}
 
 void CreateDatabase(std::unique_ptr<PageStore> store, const CreateOptions& options) {
   DatabaseHeader header =
@@ -164,10 +130,9 @@ void CreateDatabaseFile(const std::filesystem::path& path, const CreateOptions& 
   std::error_code ignored;
   if (std::filesystem::exists(path, ignored))
     throw Error(ErrorKind::kDatabaseExists, {path.u16string()});
-  const TemporaryFile file(path);
-  CreateDatabase(OpenPageStore(file.path(), OpenMode::kCreate), options);
-  OpenPageStore(file.path(), OpenMode::kReadWrite)->Sync();
-  file.MoveTo(path);
+  NewFile file(path);
+  CreateDatabase(std::make_unique<LentPageStore>(file.pages(), Lent::kAsItIs), options);
+  file.Appear();
 }
 
 }  // namespace jet

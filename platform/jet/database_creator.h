@@ -7,6 +7,9 @@
 
 namespace jet {
 
+// Writes page 1, with the maps of free and of released pages of a new file. REQUIRES a transaction.
+void WriteGlobalMaps(Pager& pager);
+
 // Puts an empty database into a page store without pages.
 void CreateDatabase(std::unique_ptr<PageStore> store, const CreateOptions& options);
 

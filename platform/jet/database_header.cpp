@@ -63,6 +63,17 @@ void CheckKind(const ByteView& page) {
   if (!is_jet_4) throw Error(ErrorKind::kNotADatabase, "page 0 is not that of a Jet 4 database", 0);
 }
 
+// Where a new file has its maps of free and of released pages.
+void SetMaps(ByteEditor& page) {
+  page.SetU32(format::kFreePagesMapAt, RowPointer{1, 0}.ToStored());
+  page.SetU32(format::kReleasedPagesMapAt, RowPointer{1, 1}.ToStored());
+}
+
+void SetCommitWordsIdle(ByteEditor& page) {
+  for (std::size_t i = 0; i < format::kCommitWords; ++i)
+    page.SetU16(format::kCommitWordsAt + 2 * i, format::kCommitIdle);
+}
+
 }  // namespace
 
 void ApplyRc4(std::span<const std::byte> key, std::span<std::byte> bytes) {
@@ -110,8 +121,7 @@ DatabaseHeader DatabaseHeader::New(std::u16string_view password, std::uint32_t p
   std::ranges::copy(std::as_bytes(std::span(format::kEngineName)),
                     page.Slice(format::kEngineNameAt, format::kEngineName.size()).begin());
   page.SetU32(format::kVersionAt, format::kVersion);
-  page.SetU32(format::kFreePagesMapAt, RowPointer{1, 0}.ToStored());
-  page.SetU32(format::kReleasedPagesMapAt, RowPointer{1, 1}.ToStored());
+  SetMaps(page);
   for (std::size_t i = 0; i < format::kSystemTables.size(); ++i)
     page.SetU32(format::kSystemTablesAt + 4 * i, format::kSystemTables[i]);
   page.SetU16(format::kCodePageAt, code_page);
@@ -128,8 +138,18 @@ DatabaseHeader DatabaseHeader::New(std::u16string_view password, std::uint32_t p
   page.SetU32(format::kConstantAt, format::kConstant);
   std::ranges::copy(std::as_bytes(std::span(format::kFormatName)),
                     page.Slice(format::kFormatNameAt, format::kFormatName.size()).begin());
-  for (std::size_t i = 0; i < format::kCommitWords; ++i)
-    page.SetU16(format::kCommitWordsAt + 2 * i, format::kCommitIdle);
+  SetCommitWordsIdle(page);
+  header.Decode();
+  return header;
+}
+
+DatabaseHeader DatabaseHeader::ForNewFile() const {
+  DatabaseHeader header = *this;
+  ByteEditor page(header.bytes_, 0);
+  ApplyHeaderMask(header.bytes_);
+  SetMaps(page);
+  ApplyHeaderMask(header.bytes_);
+  SetCommitWordsIdle(page);
   header.Decode();
   return header;
 }

@@ -37,6 +37,10 @@ class DatabaseHeader {
   static DatabaseHeader New(std::u16string_view password, std::uint32_t page_key,
                             double creation_date, Collation collation, std::uint16_t code_page);
 
+  // The page 0 of a new file that takes this one's place: the same but for the maps, which are
+  // where New puts them, and the commit words, which are idle.
+  DatabaseHeader ForNewFile() const;
+
   // The page's bytes: those parsed or made.
   const PageBytes& bytes() const { return bytes_; }
 

@@ -111,4 +111,8 @@ void EraseEntry(ByteEditor page, std::size_t position);
 // prefix; links, owner and tail stay. `source` must not be a view of `target`.
 void CopyEntries(const IndexPage& source, std::size_t from, std::size_t to, ByteEditor target);
 
+// Fills the entries of an empty page with these, which are whole and in order and all begin with
+// the same `prefix_size` bytes; they must fit. Links, owner and tail stay.
+void StoreEntries(ByteEditor page, std::span<const Bytes> entries, std::size_t prefix_size);
+
 }  // namespace jet

@@ -207,4 +207,10 @@ void CopyEntries(const IndexPage& source, std::size_t from, std::size_t to, Byte
   packer.Store(target);
 }
 
+void StoreEntries(ByteEditor page, std::span<const Bytes> entries, std::size_t prefix_size) {
+  EntryPacker packer(prefix_size);
+  for (const Bytes& entry : entries) packer.Add(entry);
+  packer.Store(page);
+}
+
 }  // namespace jet

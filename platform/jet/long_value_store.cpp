@@ -87,6 +87,14 @@ Bytes LongValueStore::Read(const LongValueField& field) const {
   return bytes;
 }
 
+LongValueField LongValueStore::WriteCopy(std::span<const std::byte> bytes,
+                                         LongValueField::Form form) {
+  // Other writers put up to a whole page into a single row.
+  if (form == LongValueField::Form::kSingle && bytes.size() > long_value::kMaxSingle)
+    return WriteSingle(bytes);
+  return Write(bytes, bytes.size(), form == LongValueField::Form::kInline);
+}
+
 LongValueField LongValueStore::Write(std::span<const std::byte> bytes,
                                      std::size_t uncompressed_length, bool may_inline) {
   if (bytes.size() > long_value::kMaxLength)

@@ -29,6 +29,10 @@ class LongValueStore {
   LongValueField Write(std::span<const std::byte> bytes, std::size_t uncompressed_length,
                        bool may_inline = true);
 
+  // Writes the stored bytes of a value that had this form elsewhere, for good: inline and single
+  // ones keep it where the rules allow, what is short enough leaves its chain. kDiskFull.
+  LongValueField WriteCopy(std::span<const std::byte> bytes, LongValueField::Form form);
+
   // Gives back what a value occupies, the whole chain checked first (kDamaged). Inline: nothing.
   void Free(const LongValueField& field);
 

@@ -29,12 +29,60 @@ void AppendLongValue(Bytes& out, const LongValueField& field) {
   out.insert(out.end(), field.inline_bytes.begin(), field.inline_bytes.end());
 }
 
+// What a row is built from, by column position: values.
+class ValueSource {
+ public:
+  ValueSource(const TableDefinition& table, std::span<const Value> values)
+      : table_(table), values_(values) {}
+
+  std::size_t size() const { return values_.size(); }
+  bool IsNull(std::size_t position) const { return jet::IsNull(values_[position]); }
+  bool Boolean(std::size_t position) const {
+    return BooleanOf(table_.columns[position], values_[position]);
+  }
+  void StoreFixed(std::span<std::byte> place, std::size_t position) const {
+    StoreFixedValue(place, table_.columns[position], values_[position]);
+  }
+  void AppendVariable(Bytes& row, std::size_t position) const {
+    AppendVariableValue(row, table_.columns[position], values_[position]);
+  }
+
+ private:
+  const TableDefinition& table_;
+  std::span<const Value> values_;
+};
+
+// The same: the bytes of a row that is there, of a table whose columns correspond in order.
+class StoredSource {
+ public:
+  StoredSource(const TableDefinition& from, const StoredRow& stored)
+      : from_(from), stored_(stored) {}
+
+  std::size_t size() const { return from_.columns.size(); }
+  bool IsNull(std::size_t position) const { return stored_.IsNull(from_.columns[position]); }
+  bool Boolean(std::size_t position) const {
+    return std::get<bool>(stored_.Get(from_.columns[position]));
+  }
+  void StoreFixed(std::span<std::byte> place, std::size_t position) const {
+    std::ranges::copy(stored_.StoredBytes(from_.columns[position]), place.begin());
+  }
+  void AppendVariable(Bytes& row, std::size_t position) const {
+    const std::span<const std::byte> bytes = stored_.StoredBytes(from_.columns[position]);
+    row.insert(row.end(), bytes.begin(), bytes.end());
+  }
+
+ private:
+  const TableDefinition& from_;
+  const StoredRow& stored_;
+};
+
 // The bytes of one row, put together from front to back.
+template <typename Source>
 class RowBuilder {
  public:
-  RowBuilder(const TableDefinition& table, std::span<const Value> values,
+  RowBuilder(const TableDefinition& table, const Source& source,
              std::span<const LongValueField> long_values)
-      : table_(table), values_(values), long_values_(long_values) {
+      : table_(table), source_(source), long_values_(long_values) {
     CheckShape();
   }
 
@@ -55,15 +103,15 @@ class RowBuilder {
 
   // Also fills what the parts of the row are built from.
   void CheckShape() {
-    if (values_.size() != table_.columns.size())
+    if (source_.size() != table_.columns.size())
       throw Error(ErrorKind::kTypeMismatch, "a row needs one value for each column");
     if (table_.variable_slots > kMaxColumns)
       throw Error(ErrorKind::kTooManyColumns, "more variable columns than a row can have");
     position_of_slot_.fill(kNoPosition);
-    for (std::size_t i = 0; i < values_.size(); ++i) {
+    for (std::size_t i = 0; i < source_.size(); ++i) {
       const ColumnDefinition& column = table_.columns[i];
       column_count_ = std::max<std::size_t>(column_count_, column.number + std::size_t{1});
-      if (column.is_long_value() && !IsNull(values_[i]) && i >= long_values_.size())
+      if (column.is_long_value() && !source_.IsNull(i) && i >= long_values_.size())
         throw Error(ErrorKind::kTypeMismatch, {column.name}, "a long value without its field");
       if (column.is_fixed() || column.type == ColumnType::kBoolean) continue;
       if (column.slot >= table_.variable_slots)
@@ -78,12 +126,12 @@ class RowBuilder {
     if (size > kMaxRowSize)
       throw Error(ErrorKind::kRowTooLarge, "a fixed area of more than 4060 bytes");
     row_.resize(format::kFixedAreaAt + size);
-    for (std::size_t i = 0; i < values_.size(); ++i) {
+    for (std::size_t i = 0; i < source_.size(); ++i) {
       const ColumnDefinition& column = table_.columns[i];
-      if (!column.is_fixed() || column.type == ColumnType::kBoolean || IsNull(values_[i])) continue;
-      StoreFixedValue(
+      if (!column.is_fixed() || column.type == ColumnType::kBoolean || source_.IsNull(i)) continue;
+      source_.StoreFixed(
           std::span(row_).subspan(format::kFixedAreaAt + column.fixed_offset, FixedSize(column)),
-          column, values_[i]);
+          i);
     }
   }
 
@@ -92,12 +140,12 @@ class RowBuilder {
     for (std::size_t slot = 0; slot < table_.variable_slots; ++slot) {
       starts[slot] = row_.size();
       const std::uint16_t position = position_of_slot_[slot];
-      if (position == kNoPosition || IsNull(values_[position])) continue;
+      if (position == kNoPosition || source_.IsNull(position)) continue;
       const ColumnDefinition& column = table_.columns[position];
       if (column.is_long_value())
         AppendLongValue(row_, long_values_[position]);
       else
-        AppendVariableValue(row_, column, values_[position]);
+        source_.AppendVariable(row_, position);
       // Before offsets of two bytes could not tell where a value lies.
       if (row_.size() > kMaxRowSize)
         throw Error(ErrorKind::kRowTooLarge, "a row of more than 4060 bytes");
@@ -110,16 +158,16 @@ class RowBuilder {
   void AppendNullMask() {
     const std::size_t at = row_.size();
     row_.resize(at + format::NullMaskSize(column_count_));
-    for (std::size_t i = 0; i < values_.size(); ++i) {
+    for (std::size_t i = 0; i < source_.size(); ++i) {
       const ColumnDefinition& column = table_.columns[i];
       const bool bit =
-          column.type == ColumnType::kBoolean ? BooleanOf(column, values_[i]) : !IsNull(values_[i]);
+          column.type == ColumnType::kBoolean ? source_.Boolean(i) : !source_.IsNull(i);
       if (bit) row_[at + column.number / 8u] |= std::byte{1} << column.number % 8;
     }
   }
 
   const TableDefinition& table_;
-  std::span<const Value> values_;
+  const Source& source_;
   std::span<const LongValueField> long_values_;
   std::size_t column_count_ = 0;
   std::array<std::uint16_t, kMaxColumns> position_of_slot_;
@@ -172,7 +220,7 @@ bool StoredRow::IsNull(const ColumnDefinition& column) const {
   return column.type != ColumnType::kBoolean && !MaskBit(column);
 }
 
-std::span<const std::byte> StoredRow::Field(const ColumnDefinition& column) const {
+std::span<const std::byte> StoredRow::StoredBytes(const ColumnDefinition& column) const {
   if (column.is_fixed()) {
     const std::size_t start = format::kFixedAreaAt + column.fixed_offset;
     const std::size_t size = FixedSize(column);
@@ -189,12 +237,12 @@ std::span<const std::byte> StoredRow::Field(const ColumnDefinition& column) cons
 Value StoredRow::Get(const ColumnDefinition& column) const {
   if (column.type == ColumnType::kBoolean) return MaskBit(column);
   if (IsNull(column)) return Null{};
-  return DecodeValue(column, Field(column), view_.number());
+  return DecodeValue(column, StoredBytes(column), view_.number());
 }
 
 std::optional<LongValueField> StoredRow::GetLongValue(const ColumnDefinition& column) const {
   if (IsNull(column)) return std::nullopt;
-  const ByteView bytes(Field(column), view_.number());
+  const ByteView bytes(StoredBytes(column), view_.number());
   const std::uint32_t stored = bytes.U32(format::kLongLengthAt);
   const std::uint32_t form = stored >> format::kLongFormShift;
   if (form > static_cast<std::uint32_t>(LongValueField::Form::kInline))
@@ -216,7 +264,12 @@ std::optional<LongValueField> StoredRow::GetLongValue(const ColumnDefinition& co
 
 Bytes BuildRow(const TableDefinition& table, std::span<const Value> values,
                std::span<const LongValueField> long_values) {
-  return RowBuilder(table, values, long_values).Build();
+  return RowBuilder(table, ValueSource(table, values), long_values).Build();
+}
+
+Bytes RebuildRow(const TableDefinition& from, const StoredRow& stored, const TableDefinition& to,
+                 std::span<const LongValueField> long_values) {
+  return RowBuilder(to, StoredSource(from, stored), long_values).Build();
 }
 
 }  // namespace jet

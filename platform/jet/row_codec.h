@@ -38,11 +38,12 @@ class StoredRow {
   Value Get(const ColumnDefinition& column) const;
   // The field of a long-value column; nothing when Null.
   std::optional<LongValueField> GetLongValue(const ColumnDefinition& column) const;
+  // The bytes a column has in this row, before decoding by type. REQUIRES that it is not Null, and
+  // no boolean.
+  std::span<const std::byte> StoredBytes(const ColumnDefinition& column) const;
 
  private:
   bool MaskBit(const ColumnDefinition& column) const;
-  // The bytes a column has in this row, before decoding by type.
-  std::span<const std::byte> Field(const ColumnDefinition& column) const;
   // Where a slot's value starts; for the slot behind the last one, where the values end.
   std::size_t SlotStart(std::size_t slot) const;
 
@@ -59,6 +60,12 @@ class StoredRow {
 // kTypeMismatch name the column.
 Bytes BuildRow(const TableDefinition& table, std::span<const Value> values,
                std::span<const LongValueField> long_values);
+
+// Builds the same row for another table, `to`, whose columns correspond to those of `from` in
+// stored order and differ in number and place only. Values are taken over byte by byte, but for
+// those of long-value columns, whose fields are given as above. kRowTooLarge.
+Bytes RebuildRow(const TableDefinition& from, const StoredRow& stored, const TableDefinition& to,
+                 std::span<const LongValueField> long_values);
 
 // A value of one type stored alone, as fixed and variable columns hold it (not boolean, not long).
 // Fixed texts are padded with spaces, fixed binaries with 00. kTooLong, kOutOfRange, kTypeMismatch

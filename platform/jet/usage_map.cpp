@@ -129,7 +129,10 @@ void UsageMap::WriteBefore(PageNumber page, PageNumber user) {
 void UsageMap::MakeRoomFor(PageNumber page) {
   const MapRow row = FindMapRow(pager_, at_);
   if (row.is_reference() || row.InWindow(page)) return;
-  const bool made = kind_ == MapKind::kOwned ? LengthenWindow(page) : SlideWindow(page);
+  // A window without pages may go anywhere: a small table in a large file needs no map page.
+  const bool may_slide = kind_ == MapKind::kHint || !bitmap::First(row.bits());
+  const bool made =
+      (may_slide && SlideWindow(page)) || (kind_ == MapKind::kOwned && LengthenWindow(page));
   if (!made) ConvertToReference();
 }
 

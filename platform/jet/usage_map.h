@@ -14,7 +14,8 @@ class PageAllocator;
 
 // Which way a map's inline window goes when a page lies outside it.
 enum class MapKind {
-  kOwned,  // data, index and long-value pages owned: the window lengthens, then reference form
+  kOwned,  // data, index and long-value pages owned: the window slides to the first page and
+           // lengthens from there, then reference form
   kHint,   // pages with room: the window slides, then reference form
 };
 

@@ -109,19 +109,31 @@ void OpenTables(Database::Impl& database) {
   }
 }
 
+std::string CheckCommitWords(Database::Impl& database) {
+  return database.header.is_suspect() ? "a former writer did not finish; it needs a repair" : "";
+}
+
+using Check = std::string (*)(Database::Impl&);
+
+std::string FirstReason(Database::Impl& database, std::initializer_list<Check> checks) {
+  for (const Check check : checks)
+    if (std::string reason = check(database); !reason.empty()) return reason;
+  return {};
+}
+
 }  // namespace
 
 std::string FindWriteRefusal(Database::Impl& database) {
   if (database.pager.read_only()) return "it was opened for reading only";
-  if (database.header.is_suspect()) return "a former writer did not finish; it needs a repair";
+  if (std::string reason = CheckCommitWords(database); !reason.empty()) return reason;
   OpenTables(database);
-  using Check = std::string (*)(Database::Impl&);
-  const std::array<Check, 4> checks = {CheckSystemTables,
-                                       [](Database::Impl& d) { return CheckAccounts(*d.catalog); },
-                                       CheckReplication, CheckMaps};
-  for (const Check check : checks)
-    if (std::string reason = check(database); !reason.empty()) return reason;
-  return {};
+  return FirstReason(
+      database, {CheckSystemTables, [](Database::Impl& d) { return CheckAccounts(*d.catalog); },
+                 CheckReplication, CheckMaps});
+}
+
+std::string FindCopyRefusal(Database::Impl& database) {
+  return FirstReason(database, {CheckCommitWords, CheckSystemTables, CheckReplication, CheckMaps});
 }
 
 }  // namespace jet

@@ -13,4 +13,9 @@ namespace jet {
 // owns must not be offered as free.
 std::string FindWriteRefusal(Database::Impl& database);
 
+// Why the file's contents cannot be told whole, so that no copy may take its place; "" when they
+// can: a former writer was cut off, system tables or maps unlike those of every sound file,
+// replication. REQUIRES that all tables are open.
+std::string FindCopyRefusal(Database::Impl& database);
+
 }  // namespace jet

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Imports onto a disk that is full: the user is told, the file stays sound, nothing finished is lost.
+"""Imports and compacts on a disk that is full: the user is told, the file stays sound, nothing finished is lost.
 
     full_disk.py PAPTOOL
 
@@ -50,6 +50,19 @@ def main():
         done = table.apply(update)
         expect(done.returncode == 0, "with room again the import still fails", done)
         expect(not table.unpriced(codes), "with room again the import is incomplete", done)
+
+        # No room for the second file: the first one stays, alone.
+        before = table.path.read_bytes()
+        beside = sorted(table.path.parent.iterdir())
+        for part in (0, 1, 2, 3):
+            limit = PAGE + len(before) * part // 4
+            done = table.run(
+                "compact", restore_signals=False,
+                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+            expect(done.returncode == 1 and DISK_FULL_TEXT in done.stderr,
+                   f"room for {limit} bytes: compaction is not reported as a failure", done)
+            expect(table.path.read_bytes() == before and sorted(table.path.parent.iterdir()) == beside,
+                   f"room for {limit} bytes: compaction has left something", done)
     print("ok: a full disk is reported, and nothing is lost")
 
 

@@ -7,7 +7,8 @@ After each update of the demo installation, applied one by one, the product tabl
 `paptool check` and be the same in every reader (see compare_readers.py). The folder that
 ORVPAP_CHANGED_FILES names holds files without password that other tests changed; they are read too.
 Where ORVPAP_SHARED names the folder of sample files, its files are read, and the demo's updates are
-applied to copies of its product tables. Exits with 1 when anything differs.
+applied to copies of its product tables. All of these are then compacted, and must be as before, no
+larger, and without anything that only a lenient reader lets pass. Exits with 1 when anything differs.
 """
 
 import argparse
@@ -78,6 +79,24 @@ class Checks:
             if not wanted <= rules.get(column, set()):
                 self.fail(f"{file}: {REGISTER}.{column} has the rules {rules.get(column)}")
 
+    def rows(self, file, password):
+        """The rows of every user table, by its name, whatever their order."""
+        def lines(*command):
+            return self.run(*command, "--table", file, "--password", password).stdout.splitlines()
+        names = [line.split("\t")[0] for line in lines("tables")]
+        return {name: sorted(lines("rows", name)) for name in names}
+
+    def compact(self, file, password):
+        """Compacts a file; it must hold the same afterwards, for every reader."""
+        rows, size = self.rows(file, password), file.stat().st_size
+        done = self.run("compact", "--table", file, "--password", password)
+        print(f"{file.name} compacted: {done.stdout.strip()}")
+        if done.returncode != 0:
+            self.fail(f"paptool compact of {file}:\n{done.stdout}{done.stderr}")
+        if self.rows(file, password) != rows or file.stat().st_size > size:
+            self.fail(f"compaction changed the contents of {file}, or made it larger")
+        self.check(file, password)
+
     def apply(self, updates, table):
         """Applies updates one by one, with a check after each; returns their exit statuses."""
         statuses = []
@@ -111,6 +130,7 @@ def check_demo(checks, work):
     checks.check_register(demo / "Orv.pt")  # the import made it
     if set(statuses) != {APPLIED, REFUSALS}:
         checks.fail(f"the demo should have updates with and without refusals, found {statuses}")
+    checks.compact(demo / "Orv.pt", PASSWORD)
     return updates
 
 
@@ -121,11 +141,15 @@ def check_samples(checks, work, shared, updates):
         return
     for sample in files_in(shared, "jet/samples/*.mdb"):
         checks.compare(sample, "", "--lenient")
+        copy = work / sample.name
+        shutil.copyfile(sample, copy)
+        checks.compact(copy, "")
     for original in files_in(shared, "product-tables/*.pt"):
         checks.compare(original, PASSWORD)
         table = work / original.name
         shutil.copyfile(original, table)
         checks.apply(updates, table)
+        checks.compact(table, PASSWORD)
 
 
 def main():

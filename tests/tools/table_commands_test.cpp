@@ -104,6 +104,35 @@ TEST_F(TableCommandsTest, CheckTellsSoundFromDamaged) {
   EXPECT_THAT(damaged.out + damaged.err, testing::Not(IsEmpty()));
 }
 
+TEST_F(TableCommandsTest, CompactReplacesTheFileOrLeavesItAsItWas) {
+  const std::string path = MakeDatabase(
+      {.name = u"T", .columns = {{.name = u"Text", .type = jet::ColumnType::kText}}, .indexes = {}},
+      std::vector<jet::Row>(200, {std::u16string(250, u'\u0161')}));
+  {
+    const auto database = jet::Database::Open(folder / "values.mdb");
+    jet::Table& table = database->OpenTable(u"T");
+    auto scan = table.ScanRows();
+    while (const auto row = scan.Next()) table.Delete(row->id);
+  }
+  const std::string before = test_support::ReadAll(folder / "values.mdb");
+  {
+    const auto user = jet::Database::Open(folder / "values.mdb");
+    const ProgramOutcome refused = Run({"compact", "--table", path});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err, HasSubstr("file already in use. Close the program"));
+  }
+  EXPECT_EQ(test_support::ReadAll(folder / "values.mdb"), before);
+
+  const ProgramOutcome done = Run({"compact", "--table", path});
+  EXPECT_EQ(done.status, 0);
+  EXPECT_THAT(done.err, IsEmpty());
+  const std::string after = test_support::ReadAll(folder / "values.mdb");
+  EXPECT_LT(after.size(), before.size() / 2);
+  EXPECT_EQ(done.out, "ok: " + std::to_string(before.size()) + " bytes before, " +
+                          std::to_string(after.size()) + " after\n");
+  EXPECT_EQ(Run({"check", "--table", path}).out, "ok: 1 tables, 0 rows, 0 index entries\n");
+}
+
 TEST_F(TableCommandsTest, WhatCannotBeOpenedIsToldWithAdvice) {
   const std::string table = MakeProductTable();
   folder.Write("text.pt", std::string(9000, 'x'));
@@ -117,6 +146,8 @@ TEST_F(TableCommandsTest, WhatCannotBeOpenedIsToldWithAdvice) {
       {{"rows", "--table", table, "Nothing"}, "`paptool tables`"},
       {{"processed", "--table", Path("missing.pt")}, "--table"},
       {{"check", "--table", Path("missing.pt")}, "Could not find file"},
+      {{"compact", "--table", Path("missing.pt")}, "Could not find file"},
+      {{"compact", "--table", Path("text.pt")}, "Unrecognized database format"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.arguments));

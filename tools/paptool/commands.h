@@ -23,6 +23,7 @@ using Work = std::function<int()>;
 // text::RuntimeError and std::exception: main reports them and returns kFailed.
 void AddApplyCommand(CLI::App& app, Work& work);
 void AddCheckCommand(CLI::App& app, Work& work);
+void AddCompactCommand(CLI::App& app, Work& work);
 void AddDemoCommand(CLI::App& app, Work& work);
 void AddProcessedCommand(CLI::App& app, Work& work);
 void AddRowsCommand(CLI::App& app, Work& work);

@@ -68,6 +68,7 @@ int Run(const std::vector<std::string>& arguments) {
   AddRowsCommand(app, work);
   AddCheckCommand(app, work);
   AddProcessedCommand(app, work);
+  AddCompactCommand(app, work);
   AddDemoCommand(app, work);
 
   if (!arguments.empty() && !arguments.front().starts_with('-') &&

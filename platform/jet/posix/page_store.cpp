@@ -14,6 +14,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/jet/posix/descriptor.h"
 #include "platform/jet/usage_map_format.h"
 
 namespace jet {
@@ -21,42 +22,12 @@ namespace {
 
 // The header, the global maps and the catalog's definition: no file has fewer.
 constexpr PageNumber kFewestPages = 3;
-constexpr mode_t kNewFileMode = 0666;
-
-// A descriptor, closed with the object; locks on it go with it.
-class Descriptor {
- public:
-  explicit Descriptor(int value = -1) : value_(value) {}
-  Descriptor(Descriptor&& other) noexcept : value_(std::exchange(other.value_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(value_, other.value_);
-    return *this;
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (value_ >= 0) close(value_);
-  }
-  int get() const { return value_; }
-  bool is_open() const { return value_ >= 0; }
-
- private:
-  int value_;
-};
 
 std::string SystemText(int error) { return std::generic_category().message(error); }
 
 [[noreturn]] void ThrowIo(int error, PageNumber page = kNoPage) {
   const bool full = error == ENOSPC || error == EDQUOT || error == EFBIG;
   throw Error(full ? ErrorKind::kDiskFull : ErrorKind::kIo, SystemText(error), page);
-}
-
-// Calls until it is not interrupted.
-template <typename Call>
-auto Retry(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
 }
 
 class FilePageStore final : public PageStore {
@@ -156,21 +127,8 @@ class FilePageStore final : public PageStore {
   throw Error(kind, {path.u16string()}, SystemText(error));
 }
 
-// Opens without waiting for anybody (a pipe), and without becoming a terminal's process.
-Descriptor TryOpen(const std::filesystem::path& path, int flags) {
-  static constexpr int kAlways = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  return Descriptor(Retry([&] { return open(path.c_str(), flags | kAlways, kNewFileMode); }));
-}
-
 bool ForbidsWriting(int error) {
   return error == EACCES || error == EPERM || error == EROFS || error == ETXTBSY;
-}
-
-// Whether the path still leads to this file, and not to one that has since been put in its place.
-bool IsFileAt(const struct stat& file, const std::filesystem::path& path) {
-  struct stat at_path {};
-  return stat(path.c_str(), &at_path) == 0 && at_path.st_dev == file.st_dev &&
-         at_path.st_ino == file.st_ino;
 }
 
 // The database's own kind of lock file lives while users have the database open, each with a byte
