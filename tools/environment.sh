@@ -2,11 +2,14 @@
 # in their environment.
 export LC_ALL=C.UTF-8
 
-# Tests that need the sample files kept beside the project are skipped where they are absent.
-if [[ -z ${ORVPAP_SHARED:-} && -d ../shared/jet ]]; then
-  ORVPAP_SHARED=$(cd ../shared && pwd)
-  export ORVPAP_SHARED
-fi
+# Tests that need sample files are skipped where ORVPAP_SHARED does not say where these are and no
+# folder beside the project holds any.
+for samples in ../*/jet/samples; do
+  if [[ -z ${ORVPAP_SHARED:-} && -d $samples ]]; then
+    ORVPAP_SHARED=$(cd "$samples/../.." && pwd)
+    export ORVPAP_SHARED
+  fi
+done
 if [[ -z ${ORVPAP_JETCHECK:-} && -f ${ORVPAP_SHARED:-}/jet/jetcheck.py ]]; then
   export ORVPAP_JETCHECK=$ORVPAP_SHARED/jet/jetcheck.py
 fi

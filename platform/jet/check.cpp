@@ -10,6 +10,7 @@
 #include "platform/jet/check_relations.h"
 #include "platform/jet/check_rows.h"
 #include "platform/jet/check_state.h"
+#include "platform/jet/undo_journal.h"
 
 namespace jet {
 namespace {
@@ -53,7 +54,7 @@ CheckReport CheckPages(std::unique_ptr<PageStore> store, const OpenOptions& opti
 }
 
 CheckReport CheckFile(const std::filesystem::path& path, const OpenOptions& options) {
-  return CheckPages(OpenPageStore(path, OpenMode::kReadOnly), options);
+  return CheckPages(OpenRecovered(path, OpenMode::kReadOnly), options);
 }
 
 }  // namespace jet

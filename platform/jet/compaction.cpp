@@ -15,6 +15,7 @@
 #include "platform/jet/lent_page_store.h"
 #include "platform/jet/new_file.h"
 #include "platform/jet/system_tables.h"
+#include "platform/jet/undo_journal.h"
 #include "platform/jet/write_check.h"
 
 namespace jet {
@@ -112,7 +113,7 @@ void CompactPages(PageStore& source, PageStore& target, const CompactOptions& op
 
 void CompactFile(const std::filesystem::path& source, const std::filesystem::path& target,
                  const CompactOptions& options) {
-  const std::unique_ptr<PageStore> pages = OpenPageStore(source, OpenMode::kReadOnly);
+  const std::unique_ptr<PageStore> pages = OpenRecovered(source, OpenMode::kReadOnly);
   std::error_code ignored;
   if (std::filesystem::exists(std::filesystem::symlink_status(target, ignored)))
     throw Error(ErrorKind::kDatabaseExists, {target.u16string()});
@@ -125,7 +126,7 @@ void CompactFile(const std::filesystem::path& source, const std::filesystem::pat
 void CompactInPlace(const std::filesystem::path& file, const CompactOptions& options) {
   const std::filesystem::path place = FollowLink(file);
   // Only a file that may be written to is replaced.
-  std::unique_ptr<PageStore> pages = OpenPageStore(place, OpenMode::kReadWrite);
+  std::unique_ptr<PageStore> pages = OpenRecovered(place, OpenMode::kReadWrite);
   if (pages->read_only()) throw Error(ErrorKind::kReadOnly, "the file is write-protected");
   NewFile copy(place);
   copy.TakeRightsOf(place);

@@ -31,11 +31,25 @@ CatalogEntry EntryOf(const SystemTable& table) {
           .flags = object_flags::kSystem};
 }
 
+std::unique_ptr<Database> OpenPages(std::unique_ptr<PageStore> store,
+                                    std::unique_ptr<UndoJournal> journal,
+                                    const OpenOptions& options) {
+  DatabaseHeader header = ReadHeader(*store);
+  if (!header.password().empty() && header.password() != options.password)
+    throw Error(ErrorKind::kWrongPassword);
+  auto impl =
+      std::make_unique<Database::Impl>(std::move(store), std::move(header), std::move(journal));
+  impl->OpenCatalog();
+  impl->write_refusal = FindWriteRefusal(*impl);
+  return std::make_unique<Database>(std::move(impl));
+}
+
 }  // namespace
 
-Database::Impl::Impl(std::unique_ptr<PageStore> store, DatabaseHeader file_header)
+Database::Impl::Impl(std::unique_ptr<PageStore> store, DatabaseHeader file_header,
+                     std::unique_ptr<UndoJournal> journal)
     : header(std::move(file_header)),
-      pager(std::move(store), header.page_key()),
+      pager(std::move(store), header.page_key(), Pager::kDefaultCachePages, std::move(journal)),
       allocator(pager, header.free_pages_map(), header.released_pages_map()) {}
 
 void Database::Impl::OpenCatalog() {
@@ -97,8 +111,9 @@ void Database::Impl::Reload(PageNumber definition) {
 std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
                                          const OpenOptions& options) {
   try {
-    return Open(OpenPageStore(path, options.read_only ? OpenMode::kReadOnly : OpenMode::kReadWrite),
-                options);
+    return OpenPages(
+        OpenRecovered(path, options.read_only ? OpenMode::kReadOnly : OpenMode::kReadWrite),
+        std::make_unique<UndoJournal>(path), options);
   } catch (const Error& error) {
     const bool lacks_path = error.names().empty() && (error.kind() == ErrorKind::kNotADatabase ||
                                                       error.kind() == ErrorKind::kDamaged);
@@ -109,13 +124,7 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
 
 std::unique_ptr<Database> Database::Open(std::unique_ptr<PageStore> store,
                                          const OpenOptions& options) {
-  DatabaseHeader header = ReadHeader(*store);
-  if (!header.password().empty() && header.password() != options.password)
-    throw Error(ErrorKind::kWrongPassword);
-  auto impl = std::make_unique<Impl>(std::move(store), std::move(header));
-  impl->OpenCatalog();
-  impl->write_refusal = FindWriteRefusal(*impl);
-  return std::make_unique<Database>(std::move(impl));
+  return OpenPages(std::move(store), nullptr, options);
 }
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path,

@@ -17,7 +17,8 @@
 namespace jet {
 
 struct Database::Impl {
-  Impl(std::unique_ptr<PageStore> store, DatabaseHeader file_header);
+  Impl(std::unique_ptr<PageStore> store, DatabaseHeader file_header,
+       std::unique_ptr<UndoJournal> journal = nullptr);
 
   // Opens the tables that hold the catalog. Their definitions must be in place.
   void OpenCatalog();

@@ -58,8 +58,10 @@ struct Ordering {
 }  // namespace
 
 struct Pager::Impl {
-  Impl(PageStore& page_store, std::uint32_t key, std::size_t pages, std::uint64_t& counter)
+  Impl(PageStore& page_store, UndoJournal* undo_journal, std::uint32_t key, std::size_t pages,
+       std::uint64_t& counter)
       : store(page_store),
+        journal(undo_journal),
         page_key(key),
         cache_pages(std::max<std::size_t>(pages, 1)),
         page_count(page_store.page_count()),
@@ -67,6 +69,7 @@ struct Pager::Impl {
         pages_written(counter) {}
 
   PageStore& store;
+  UndoJournal* const journal;
   const std::uint32_t page_key;
   const std::size_t cache_pages;
   PageNumber page_count;  // the transaction's growth included
@@ -179,16 +182,39 @@ struct Pager::Impl {
     return frame.change != kNoChange && frame.change >= batch_start[batch];
   }
 
+  bool IsEncoded(PageNumber number) const { return page_key != 0 && number != 0; }
+
+  PageBytes Encoded(PageNumber number, const PageBytes& bytes) const {
+    PageBytes encoded = bytes;
+    ApplyPageKey(page_key, number, encoded);
+    return encoded;
+  }
+
   // Writes one page as it was or shall be.
   void WriteOut(PageNumber number, const PageBytes& bytes) {
-    if (page_key == 0 || number == 0) {
-      store.Write(number, bytes);
+    if (IsEncoded(number)) {
+      store.Write(number, Encoded(number, bytes));
     } else {
-      PageBytes encoded = bytes;
-      ApplyPageKey(page_key, number, encoded);
-      store.Write(number, encoded);
+      store.Write(number, bytes);
     }
     ++pages_written;
+  }
+
+  // Has the journal keep what the commit is about to overwrite.
+  void KeepOldPages() {
+    if (journal == nullptr) return;
+    std::vector<JournalledWrite> writes;
+    std::deque<PageBytes> encoded;
+    writes.reserve(changes.size());
+    const auto as_stored = [&](PageNumber number, const PageBytes& bytes) {
+      return IsEncoded(number) ? &encoded.emplace_back(Encoded(number, bytes)) : &bytes;
+    };
+    for (const Change& change : changes) {
+      const bool first = change.previous == kNoChange && change.number < page_count_before;
+      writes.push_back({change.number, first ? as_stored(change.number, *change.before) : nullptr,
+                        as_stored(change.number, *change.after)});
+    }
+    journal->Keep(page_count_before, writes);
   }
 
   // The page's change in a batch; nothing when it has none there.
@@ -258,6 +284,7 @@ struct Pager::Impl {
     }
     try {
       CloseBatches();
+      KeepOldPages();
       for (unsigned i = 0; i < kBatches; ++i) WriteBatch(i);
     } catch (...) {
       PutBack();
@@ -282,6 +309,7 @@ struct Pager::Impl {
       }
       if (store.page_count() > page_count_before) store.Truncate(page_count_before);
     } catch (const std::exception&) {
+      if (journal != nullptr) journal->Leave();
       for (Change* change : written) change->before.reset();
       page_count_before = store.page_count();
     }
@@ -314,9 +342,12 @@ struct Pager::Impl {
   }
 };
 
-Pager::Pager(std::unique_ptr<PageStore> store, std::uint32_t page_key, std::size_t cache_pages)
+Pager::Pager(std::unique_ptr<PageStore> store, std::uint32_t page_key, std::size_t cache_pages,
+             std::unique_ptr<UndoJournal> journal)
     : store_(std::move(store)),
-      impl_(std::make_unique<Impl>(*store_, page_key, cache_pages, pages_written_)) {}
+      journal_(std::move(journal)),
+      impl_(
+          std::make_unique<Impl>(*store_, journal_.get(), page_key, cache_pages, pages_written_)) {}
 
 Pager::~Pager() = default;
 

@@ -8,6 +8,7 @@
 
 #include "platform/jet/page_store.h"
 #include "platform/jet/page_view.h"
+#include "platform/jet/undo_journal.h"
 
 namespace jet {
 
@@ -34,15 +35,17 @@ enum class CleanUp : std::uint8_t {
 // Owns the open file. At most one transaction at a time (see PageTransaction).
 //
 // Reading keeps a bounded cache of clean pages. Every byte that reaches the file goes through
-// Commit of a transaction, the one place where recovery can be added.
+// Commit of a transaction, which has the journal keep what it overwrites.
 // Not synchronised: use from one thread.
 class Pager {
  public:
   static constexpr std::size_t kDefaultCachePages = 16384;  // 64 MiB
 
-  // `page_key` is the key of encoded pages, 0 for a plain file.
+  // `page_key` is the key of encoded pages, 0 for a plain file. Without a journal a killed process
+  // leaves what the order of writes makes of it.
   Pager(std::unique_ptr<PageStore> store, std::uint32_t page_key,
-        std::size_t cache_pages = kDefaultCachePages);
+        std::size_t cache_pages = kDefaultCachePages,
+        std::unique_ptr<UndoJournal> journal = nullptr);
   ~Pager();
   Pager(const Pager&) = delete;
   Pager& operator=(const Pager&) = delete;
@@ -91,6 +94,7 @@ class Pager {
   struct Impl;
 
   std::unique_ptr<PageStore> store_;
+  std::unique_ptr<UndoJournal> journal_;
   std::unique_ptr<Impl> impl_;
   std::uint64_t pages_written_ = 0;
 };

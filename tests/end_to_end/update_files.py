@@ -39,6 +39,8 @@ Supplier for the end-to-end tests
 
 """
 
+TABLES = ("Supplier", "Assortment", "Ass_Suppl", "Serie", "Article", "ArtDimL", "ArtPrice")
+
 
 def write_update(path, codes):
     """Writes an update with an article and a price for each code."""
@@ -78,6 +80,10 @@ class Table:
         lines = done.stdout.splitlines()
         names = lines[0].split("\t")
         return [dict(zip(names, line.split("\t"))) for line in lines[1:]]
+
+    def contents(self):
+        """What the tables of an import hold, whatever the order of their rows."""
+        return {name: sorted(map(str, self.rows(name))) for name in TABLES}
 
     def unpriced(self, codes):
         """The codes that have no article, or an article without a price."""
