@@ -77,7 +77,7 @@ void IndexLoader::Flush(std::size_t at) {
   if (at > 0) {
     // What goes up with the node's name leaves its child behind, as the tail.
     tail = ChildOf(last);
-    last.resize(last.size() - format::kChildSize);
+    last.erase(last.end() - format::kChildSize, last.end());
     levels_[at].entries.pop_back();
   }
   Write(at, page, next, tail);
