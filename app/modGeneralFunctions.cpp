@@ -49,26 +49,25 @@ class NextOccurrence {
 
 std::wstring_view WithoutEnds(std::wstring_view vText) { return vText.substr(1, vText.size() - 2); }
 
-// Splits `vRest`, which is not empty, into `vFields`; what remains for the last field is left in
-// `vRest`.
-void SplitFields(std::wstring_view& vRest, std::vector<std::wstring>& vFields) {
+// Splits `vRest`, which is not empty, and calls `vAdd` with one field after the other; what remains
+// for the last field is left in `vRest`.
+template <class Add>
+void SplitFields(std::wstring_view& vRest, const Add& vAdd) {
   constexpr wchar_t kQuote = L'"';
   const std::wstring_view line = vRest;
   NextOccurrence commas(line, L',');
   NextOccurrence quotes(line, kQuote);
   std::size_t at = 0;             // the part of the line that is left: from here
   std::size_t end = line.size();  // to here
-  vFields.emplace_back();
   for (std::size_t comma = commas.From(at); comma != kNotFound; comma = commas.From(at)) {
     const std::size_t quote = quotes.From(at);
     if (quote == kNotFound || quote > comma) {
-      vFields.emplace_back(line.substr(at, comma - at));
+      vAdd(line.substr(at, comma - at));
       at = comma + 1;
       continue;
     }
     const std::size_t closing = line.find(kQuote, quote + 1);
     if (closing == kNotFound) {
-      vFields.back().clear();
       // Nothing was consumed and nothing ever will be: this loop ends only by what DoEvents throws.
       for (;;) DoEvents();
     }
@@ -77,13 +76,13 @@ void SplitFields(std::wstring_view& vRest, std::vector<std::wstring>& vFields) {
       --end;
       break;
     }
-    vFields.emplace_back(WithoutEnds(line.substr(at, closing + 1 - at)));
+    vAdd(WithoutEnds(line.substr(at, closing + 1 - at)));
     at = closing + 2;  // the character after the closing quote goes too
   }
   vRest = line.substr(at, end - at);
   const std::size_t quote = vRest.find(kQuote);
   if (quote != kNotFound && vRest.find(kQuote, quote + 1) != kNotFound) vRest = WithoutEnds(vRest);
-  vFields.emplace_back(vRest);
+  vAdd(vRest);
 }
 
 }  // namespace
@@ -110,12 +109,19 @@ std::vector<std::wstring> PSplit(std::wstring& vLine) {
   try {
     if (vLine.empty()) return fields;
     std::wstring_view rest = vLine;
-    SplitFields(rest, fields);
+    fields.emplace_back();
+    SplitFields(rest, [&](std::wstring_view vField) { fields.emplace_back(vField); });
     vLine = std::wstring(rest);
   } catch (...) {
     ShowErrorMessage(L"modGeneralFunctions.PSplit (Function)");
   }
   return fields;
+}
+
+std::size_t PSplitCount(std::wstring_view vLine) {
+  std::size_t count = 0;
+  if (!vLine.empty()) SplitFields(vLine, [&](std::wstring_view) { ++count; });
+  return count;
 }
 
 void ShowMessage(const std::wstring& vMessage, const std::wstring& vTitle) {

@@ -2,8 +2,10 @@
 // error boxes, Null-safe conversions, path and number texts. They keep no state; one thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/text/runtime_error.h"
@@ -16,6 +18,10 @@
 // is never closed splits without end: every turn runs DoEvents, so that the program can be closed
 // meanwhile.
 std::vector<std::wstring> PSplit(std::wstring& vLine);
+
+// How many fields PSplit finds, without keeping them: a damaged line may have millions. Does not
+// come back from a line that PSplit does not come back from.
+std::size_t PSplitCount(std::wstring_view vLine);
 
 // A message box with the critical icon and OK. An empty title means the application title.
 void ShowMessage(const std::wstring& vMessage, const std::wstring& vTitle);

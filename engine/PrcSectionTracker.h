@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "engine/PrcFileFormat.h"
 #include "platform/text/strings.h"
@@ -23,7 +24,7 @@ class PrcSectionTracker {
       m_current.reset();
       return LineKind::kBlank;
     }
-    if (const auto section = PrcFileFormat::SectionOf(text::ToUpper(trimmed))) {
+    if (const auto section = SectionOf(trimmed)) {
       m_current = section;
       return LineKind::kSectionLine;
     }
@@ -34,5 +35,11 @@ class PrcSectionTracker {
   PrcFileFormat::Section Current() const { return m_current.value(); }
 
  private:
+  // A record may be much longer than any section line: it is not copied.
+  static std::optional<PrcFileFormat::Section> SectionOf(std::wstring_view vLine) {
+    if (vLine.front() != L'[') return std::nullopt;
+    return PrcFileFormat::SectionOf(text::ToUpper(vLine));
+  }
+
   std::optional<PrcFileFormat::Section> m_current;
 };

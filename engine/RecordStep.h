@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "app/modShared.h"
 #include "engine/clsOrvPap.h"
@@ -14,7 +15,7 @@ inline constexpr std::int32_t kAssortment = 60;
 inline constexpr std::int32_t kSupplier = 61;
 inline constexpr std::int32_t kFinished = 62;
 inline constexpr std::int32_t kNewSuppliers = 63;
-inline constexpr std::int32_t kRefused = 64;  // heads every record that was refused
+inline constexpr std::int32_t kRefused = 64;  // heads every refusal of a record and every error
 inline constexpr std::int32_t kNewAssortments = 65;
 inline constexpr std::int32_t kAssortmentNotFound = 67;  // "%s" is the code
 inline constexpr std::int32_t kSupplierNotFound = 68;    // "%s" is the code
@@ -53,7 +54,9 @@ bool clsOrvPap::SaveRecords(Collection<Record>& vRecords, const Save& vSave,
       RaiseShowListMessage(LanguageText(ImportTexts::kRefused), record.ResultText, true, true);
       return false;
     }
-    RaiseShowListMessage(record.ResultText, vDetail(record), false, false);
+    // Taken out of the record, so that an import does not gather a text for each of them.
+    const std::wstring result = std::move(record.ResultText);
+    RaiseShowListMessage(result, vDetail(record), false, false);
   }
   return true;
 }

@@ -8,6 +8,7 @@
 #include "platform/database/recordset.h"
 #include "platform/text/strings.h"
 #include "store/ProductTableSchema.h"
+#include "store/RecordWriting.h"
 #include "store/modProductTable.h"
 
 namespace {
@@ -57,6 +58,7 @@ bool clsOrvPap::UpdatePT(const std::wstring& vProductTablePath) {
     return result;
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.UpdatePT (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -90,6 +92,7 @@ bool clsOrvPap::FindAssortmentAndSupplier() {
     return true;
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.FindAssortmentAndSupplier (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -113,8 +116,13 @@ bool clsOrvPap::SaveAssSupplDates() const {
     return true;
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveAssSupplDates (Function)");
+    RaiseErrorInHand();
     return false;
   }
+}
+
+void clsOrvPap::RaiseErrorInHand() const {
+  RaiseShowListMessage(LanguageText(ImportTexts::kRefused), ErrorResultText(), true, true);
 }
 
 void clsOrvPap::RaiseShowListMessage(const std::wstring& vMessage, const std::wstring& vMessageSub,

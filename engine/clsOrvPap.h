@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "engine/PrcFileFormat.h"
 #include "platform/database/connection.h"
@@ -32,7 +32,7 @@ class clsOrvPap {
  public:
   // The records of one section in file order; may be absent, which counts as a section without any.
   template <class Record>
-  using Collection = std::optional<std::vector<Record>>;
+  using Collection = std::optional<std::deque<Record>>;
 
   clsOrvPap() = default;
   clsOrvPap(const clsOrvPap&) = delete;
@@ -115,6 +115,9 @@ class clsOrvPap {
   template <class Record, class Save, class Detail>
   bool SaveRecords(Collection<Record>& vRecords, const Save& vSave, const Detail& vDetail);
 
+  // Shows the error in hand in the list of results, marked; for a catch (...) that has reported it,
+  // so that no failure passes for a success.
+  void RaiseErrorInHand() const;
   void RaiseShowListMessage(const std::wstring& vMessage, const std::wstring& vMessageSub,
                             bool vShowInList, bool vError) const;
   void RaiseProgressInit(std::int32_t vMax) const;

@@ -1,7 +1,11 @@
 // The steps of an import that replace prices: base prices, overlength bonuses and article prices.
 //
 // Each of them clears before it writes, so that the file's prices replace the stored ones instead
-// of adding to them. A section without records clears nothing.
+// of adding to them. A section without records clears nothing. What the writing needs is looked for
+// before the clearing, so that nothing is cleared that cannot be written again.
+#include <array>
+#include <span>
+
 #include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
 #include "engine/RecordStep.h"
@@ -20,6 +24,11 @@ void OpenDynamic(database::Recordset& vRecordset, const std::wstring& vStatement
   vRecordset.Open(vStatement, vConnection, CursorType::kDynamic, LockType::kOptimistic);
 }
 
+// Throws the database's error when one of the columns is missing.
+void RequireColumns(database::Recordset& vRecordset, std::span<const wchar_t* const> vColumns) {
+  for (const wchar_t* column : vColumns) vRecordset.Fields(column);
+}
+
 }  // namespace
 
 bool clsOrvPap::SaveBasePrices() {
@@ -36,25 +45,31 @@ bool clsOrvPap::SaveBasePrices() {
                 L"SELECT DISTINCTROW BPG.* From BPG Where BPG.fkSupplier = " +
                     std::to_wstring(m_supplierID) + L" ORDER BY BPG.Code",
                 *m_connection);
+    database::Recordset steps;
+    OpenDynamic(steps, L"SELECT * FROM BasePrice", *m_connection);
+    RequireColumns(groups, ProductTable::BPG::kColumns);
+    RequireColumns(steps, ProductTable::BasePrice::kColumns);
     for (clsUpdateBasePrice& record : *BasePrices) {
       // A group that does not exist yet has nothing to delete, which is no failure.
       bool deleted = false;
       record.DeleteBasePrice(groups, deleted);
       DoEvents();
     }
-
-    database::Recordset steps;
-    OpenDynamic(steps, L"SELECT * FROM BasePrice", *m_connection);
     return SaveRecords(
         BasePrices,
         [&](clsUpdateBasePrice& vRecord, bool& vResult) {
-          vRecord.SaveBasePrice(groups, steps, m_supplierID, vResult);
+          // Where the deleting failed with an error, that is the refusal: new steps would stand
+          // beside the old ones.
+          if (vRecord.ResultText.empty()) {
+            vRecord.SaveBasePrice(groups, steps, m_supplierID, vResult);
+          }
         },
         [](const clsUpdateBasePrice& vRecord) {
           return vRecord.Code + L" - " + vRecord.Description;
         });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveBasePrices (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -73,6 +88,7 @@ bool clsOrvPap::SaveOverlengthBonuses() {
         bonuses,
         L"SELECT * FROM OverlengthBonus WHERE fkSupplier = " + std::to_wstring(m_supplierID),
         *m_connection);
+    RequireColumns(bonuses, ProductTable::OverlengthBonus::kColumns);
     if (!bonuses.Eof()) {
       RaiseShowListMessage(LanguageText(ImportTexts::kClearingOverlengthBonuses), L"", false,
                            false);
@@ -93,6 +109,7 @@ bool clsOrvPap::SaveOverlengthBonuses() {
         });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveOverlengthBonuses (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -119,8 +136,7 @@ bool clsOrvPap::SavePriceData() {
                 L"SELECT * FROM ArtPrice WHERE fkArticle " + articles_of_assortment +
                     L"AND fkSupplier = " + supplier_id,
                 *m_connection);
-    ClearArticlePrices(prices);
-
+    RequireColumns(prices, ProductTable::ArtPrice::kColumns);
     database::Recordset articles;
     OpenDynamic(articles,
                 L"SELECT Article.ID, Article.Code FROM Article WHERE ID " + articles_of_assortment,
@@ -130,6 +146,11 @@ bool clsOrvPap::SavePriceData() {
     database::Recordset discounts;
     OpenDynamic(discounts, L"SELECT * FROM Discount WHERE fkSupplier = " + supplier_id,
                 *m_connection);
+    RequireColumns(groups, std::array{ProductTable::BPG::kID, ProductTable::BPG::kCode});
+    RequireColumns(discounts,
+                   std::array{ProductTable::Discount::kID, ProductTable::Discount::kCode});
+    ClearArticlePrices(prices);
+
     return SaveRecords(
         PriceData,
         [&](clsUpdatePriceData& vRecord, bool& vResult) {
@@ -138,6 +159,7 @@ bool clsOrvPap::SavePriceData() {
         [](const clsUpdatePriceData& vRecord) { return vRecord.Code; });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SavePriceData (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }

@@ -1,6 +1,7 @@
 // The section reader of a price update: from the lines of its file to record collections.
 #include <cstddef>
 #include <utility>
+#include <vector>
 
 #include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
@@ -177,13 +178,14 @@ bool clsOrvPap::GetPrcData() {
     return true;
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.GetPrcData (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
 
 void clsOrvPap::ReadRecord(Section vSection, std::wstring vLine) {
+  if (PSplitCount(vLine) != PrcFileFormat::FormatOf(vSection).FieldCount) return;
   const std::vector<std::wstring> fields = PSplit(vLine);
-  if (fields.size() != PrcFileFormat::FormatOf(vSection).FieldCount + 1) return;
   const FieldReader reader(fields);
   switch (vSection) {
     case Section::kNewSupplier:

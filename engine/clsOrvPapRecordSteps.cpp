@@ -22,6 +22,7 @@ bool clsOrvPap::SaveNewSuppliers() {
         [](const clsNewSupplier& vRecord) { return Pair(vRecord.Code, vRecord.Description); });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveNewSuppliers (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -37,6 +38,7 @@ bool clsOrvPap::SaveNewAssortments() {
         [](const clsNewAssortment& vRecord) { return Pair(vRecord.AssCode, vRecord.Description); });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveNewAssortments (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -52,6 +54,7 @@ bool clsOrvPap::SaveNewAssSuppls() {
         [](const clsNewAssSuppl& vRecord) { return Pair(vRecord.AssCode, vRecord.SupplierCode); });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveNewAssSuppls (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -67,6 +70,7 @@ bool clsOrvPap::SaveNewSeries() {
         [](const clsNewSerie& vRecord) { return Pair(vRecord.SerieCode, vRecord.Description); });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveNewSeries (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -84,6 +88,7 @@ bool clsOrvPap::SaveNewArticles() {
         });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveNewArticles (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }
@@ -99,6 +104,7 @@ bool clsOrvPap::SaveNewDiscounts() {
         [](const clsNewDiscount& vRecord) { return Pair(vRecord.Code, vRecord.Description); });
   } catch (...) {
     ShowErrorMessage(L"clsOrvPap.SaveNewDiscounts (Function)");
+    RaiseErrorInHand();
     return false;
   }
 }

@@ -110,11 +110,17 @@ std::wstring HeaderValue(const clsOrvPap& vOrvPap, const PapHeaderField& vField)
   return text::FormatCompactDate(date);
 }
 
+// The file's own name; a path without a folder is all name.
+std::wstring FileNameOf(const std::wstring& vFilePath) {
+  const std::wstring name = GetFileName(vFilePath);
+  return name.empty() ? vFilePath : name;
+}
+
 }  // namespace
 
 bool clsOrvPap::SavePrcFile(const std::wstring& vTargetFolder) const {
   try {
-    const std::wstring path = AddBackslash(vTargetFolder) + GetFileName(FilePath);
+    const std::wstring path = AddBackslash(vTargetFolder) + FileNameOf(FilePath);
     if (files::FileExists(path)) {
       const std::wstring question = L"Wilt u het bestand '" + path + L"' overschrijven?";
       if (!Shared().objPrompt->AskYesNo(question, Shared().strApplicationTitle)) return false;

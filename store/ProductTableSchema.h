@@ -116,6 +116,8 @@ inline constexpr wchar_t kDescription[] = L"Description";
 inline constexpr wchar_t kRights[] = L"Rights";
 inline constexpr wchar_t kDimUnit[] = L"DimUnit";
 inline constexpr wchar_t kPriceUnit[] = L"PriceUnit";
+inline constexpr const wchar_t* kColumns[] = {kID,     kfkSupplier, kCode,     kDescription,
+                                              kRights, kDimUnit,    kPriceUnit};
 }  // namespace BPG
 
 // The price steps of a base-price group: one row a step, under the key of the group.
@@ -125,6 +127,7 @@ inline constexpr wchar_t kID[] = L"ID";
 inline constexpr wchar_t kBegin[] = L"Begin";
 inline constexpr wchar_t kEnd[] = L"End";
 inline constexpr wchar_t kBasePrice[] = L"BasePrice";
+inline constexpr const wchar_t* kColumns[] = {kID, kBegin, kEnd, kBasePrice};
 }  // namespace BasePrice
 
 namespace Discount {
@@ -144,6 +147,7 @@ inline constexpr wchar_t kfkSupplier[] = L"fkSupplier";
 inline constexpr wchar_t kBegin[] = L"Begin";
 inline constexpr wchar_t kEnd[] = L"End";
 inline constexpr wchar_t kPrice[] = L"Price";
+inline constexpr const wchar_t* kColumns[] = {kfkSupplier, kBegin, kEnd, kPrice};
 }  // namespace OverlengthBonus
 
 // The price of an article at a supplier.
@@ -159,6 +163,9 @@ inline constexpr wchar_t kSawPrice[] = L"SawPrice";
 inline constexpr wchar_t kBlastPrice[] = L"BlastPrice";
 inline constexpr wchar_t kCoatPrice[] = L"CoatPrice";
 inline constexpr wchar_t kArtNrSupplier[] = L"ArtNrSupplier";
+inline constexpr const wchar_t* kColumns[] = {kfkSupplier, kfkArticle,    kfkBPG,    kfkDiscount,
+                                              kPriceDim,   kOverPrice,    kSawPrice, kBlastPrice,
+                                              kCoatPrice,  kArtNrSupplier};
 }  // namespace ArtPrice
 
 }  // namespace ProductTable

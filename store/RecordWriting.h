@@ -35,6 +35,7 @@ inline constexpr std::int32_t kArticlePriceWritten = 100;
 inline constexpr std::int32_t kPriceWithoutArticle = 101;
 inline constexpr std::int32_t kPriceWithoutDiscount = 102;
 inline constexpr std::int32_t kPriceWithoutBasePriceGroup = 103;
+inline constexpr std::int32_t kArticleWithoutSerie = 1050;
 }  // namespace ResultTexts
 
 // The language text with `vCode` in the place of "%s".

@@ -34,7 +34,10 @@ void clsNewArticle::SaveNewArticle(database::Connection& vConnection, std::int32
     database::Recordset serie;
     serie.Open(L"SELECT * FROM Serie WHERE SerieCode = '" + SerieCode + L"'", vConnection,
                CursorType::kForwardOnly, LockType::kOptimistic);
-    if (serie.Eof()) return;
+    if (serie.Eof()) {
+      ResultText = RefusalText(ResultTexts::kArticleWithoutSerie, SerieCode);
+      return;
+    }
     if (NullToLong(serie(ProductTable::Serie::kAssNr).Value()) != vAssNr) {
       ResultText = RefusalText(ResultTexts::kArticleSerieOfOtherAssortment, SerieCode);
       return;
@@ -80,8 +83,8 @@ void clsNewArticle::SaveDimensions(database::Connection& vConnection, std::int32
     row(profile::kWu) = Wu;
     row(profile::ktfb) = tfb;
     row(profile::ktfu) = tfu;
-    // Assigned twice on purpose: the sequence of assignments is part of what was agreed for this
-    // row, and the repeat changes nothing.
+    // The repeat is kept: it changes nothing, and this row has always been filled in just these
+    // assignments, which can then be compared with the columns one by one.
     row(profile::ktfu) = tfu;
     row(profile::ktw) = tw;
     row(profile::kRi) = Ri;

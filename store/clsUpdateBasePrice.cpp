@@ -41,6 +41,7 @@ void clsUpdateBasePrice::SaveBasePrice(database::Recordset& vBPG, database::Reco
 
 void clsUpdateBasePrice::DeleteBasePrice(database::Recordset& vBPG, bool& vResult) {
   vResult = false;
+  ResultText.clear();
   try {
     if (!FindInAll(vBPG, CodeCriterion(Code))) return;
     database::Recordset steps;

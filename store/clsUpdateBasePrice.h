@@ -24,7 +24,7 @@ class clsUpdateBasePrice {
   void SaveBasePrice(database::Recordset& vBPG, database::Recordset& vBasePrice,
                      std::int32_t vSupplierID, bool& vResult);
 
-  // Deletes all price steps of the group. `vResult` is no when there is no such group, or after an
-  // error, which is in ResultText.
+  // Deletes all price steps of the group. `vResult` is no when there is no such group, ResultText
+  // is empty then, or after an error, which is in ResultText.
   void DeleteBasePrice(database::Recordset& vBPG, bool& vResult);
 };

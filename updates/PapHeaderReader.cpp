@@ -3,6 +3,7 @@
 
 #include "app/modGeneralFunctions.h"
 #include "platform/text/date.h"
+#include "platform/text/runtime_error.h"
 #include "platform/text/strings.h"
 
 namespace {
@@ -19,6 +20,9 @@ std::int32_t NumberIn(const std::wstring& vLine, std::size_t vStart, std::size_t
   return vStart < vLine.size() ? ExtractNumber(vLine.substr(vStart, vLength)) : 0;
 }
 
+// A damaged file may have a line of any length where a date belongs.
+constexpr std::size_t kShownOfADate = 20;
+
 // From yyyymmdd. Months and days outside their range roll over.
 double DateOf(const std::wstring& vLine) {
   return text::DateSerial(NumberIn(vLine, 0, 4), NumberIn(vLine, 4, 2), NumberIn(vLine, 6, 2));
@@ -28,6 +32,7 @@ double DateOf(const std::wstring& vLine) {
 
 bool PapHeaderReader::ReadLine(const std::wstring& vLine) {
   if (m_atEnd) return false;
+  ++m_line;
   if (text::Trim(vLine).empty()) return true;
   using PrcFileFormat::Section;
   if (const PapHeaderField* field = FindField(vLine)) {
@@ -44,7 +49,14 @@ bool PapHeaderReader::ReadLine(const std::wstring& vLine) {
 
 void PapHeaderReader::ReadValue(const std::wstring& vLine) {
   if (m_current->Date != nullptr) {
-    m_orvPap.*m_current->Date = DateOf(vLine);
+    try {
+      m_orvPap.*m_current->Date = DateOf(vLine);
+    } catch (const text::RuntimeError& error) {
+      throw text::RuntimeError(error.number(),
+                               error.description() + L" (" + std::wstring(m_current->Section) +
+                                   L" in line " + std::to_wstring(m_line) + L": '" +
+                                   vLine.substr(0, kShownOfADate) + L"' is no date)");
+    }
   } else if (m_current->Text == &clsOrvPap::Remark) {
     std::wstring& remark = m_orvPap.Remark;
     if (!remark.empty()) remark += L"\r\n";

@@ -1,6 +1,7 @@
 // Takes the header of a price-update file, line by line, into a price-update object.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "engine/PapHeaderFields.h"
@@ -17,7 +18,7 @@ class PapHeaderReader {
 
   // Takes the next line of the file. False when it means nothing here: it is behind the end of the
   // header, or a value before the first section. Throws text::RuntimeError 5 for a date outside the
-  // calendar.
+  // calendar, which names section, line and value; the next line can be taken after that.
   bool ReadLine(const std::wstring& vLine);
 
   bool AtEnd() const { return m_atEnd; }
@@ -27,5 +28,6 @@ class PapHeaderReader {
 
   clsOrvPap& m_orvPap;
   const PapHeaderField* m_current = nullptr;
+  std::size_t m_line = 0;  // the number of the last line, from 1
   bool m_atEnd = false;
 };

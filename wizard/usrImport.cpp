@@ -63,6 +63,13 @@ std::wstring BackupPath(const std::wstring& vPtFile, const clsOrvPap& vOrvPap) {
          L"_" + text::FormatCompactDate(vOrvPap.PrcDate) + kBackupExtension;
 }
 
+// A text that the list and the log can hold: a damaged update may bring codes of millions of
+// characters.
+std::wstring Clipped(const std::wstring& vText) {
+  constexpr std::size_t kLongest = 1000;
+  return vText.size() <= kLongest ? vText : vText.substr(0, kLongest) + L"...";
+}
+
 // Ends the log of a run, however that is left.
 class LogEnd {
  public:
@@ -116,7 +123,9 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
   const ProductConnectionGuard connection_end;
   const LogEnd log_end(m_log);
   try {
-    m_error = false;
+    m_errors = 0;
+    m_silentFailures.clear();
+    m_failedBackups.clear();
     setupLanguage();
     RaiseEvent(SetStepText, StepText(LanguageText(ImportPageTexts::kTitle)));
     lvResults.Clear();
@@ -139,7 +148,7 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
     }
     RaiseEvent(AanzettenVolgende, true);
     RaiseEvent(AanzettenVorige, true);
-    return !m_error;
+    return m_errors == 0;
   } catch (...) {
     ShowErrorMessage(L"usrImport.StartImport (Function)");
     return false;
@@ -166,10 +175,12 @@ bool usrImport::CheckProductTable(const std::wstring& vPtFile) {
 void usrImport::ApplyUpdate(const std::wstring& vPtFile, bool vMakeBackup) {
   if (vMakeBackup) {
     const std::wstring path = BackupPath(vPtFile, *tmpOrvPap);
-    CopyPapFile(vPtFile, path);
+    if (!CopyPapFile(vPtFile, path)) m_failedBackups.push_back(path);
     tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kBackup), path, true, false);
   }
+  const std::size_t errors = m_errors;
   const bool result = tmpOrvPap->UpdatePT(vPtFile);
+  if (!result && m_errors == errors) m_silentFailures.push_back(tmpOrvPap->FilePath);
   SetPapProcessed(vPtFile, *tmpOrvPap, result);
 }
 
@@ -195,18 +206,20 @@ void usrImport::tmpOrvPap_ShowListMessage(const std::wstring& vMessage,
                                           const std::wstring& vMessageSub, bool vShowInList,
                                           bool vError) {
   try {
+    const std::wstring message = Clipped(vMessage);
+    const std::wstring detail = Clipped(vMessageSub);
     if (vShowInList || vError) {
-      const std::size_t item = lvResults.AddItem({.text = vMessage, .sub_items = {vMessageSub}});
+      const std::size_t item = lvResults.AddItem({.text = message, .sub_items = {detail}});
       lvResults.EnsureVisible(item);
       if (vError) {
-        m_error = true;
+        ++m_errors;
         lvResults.SetColour(item, controls::kRed);
       }
     }
     DoEvents();
     if (!m_log)
       throw text::RuntimeError(kNoObject, L"Object variable or With block variable not set");
-    m_log->WriteLog(vMessage + L": " + vMessageSub);
+    m_log->WriteLog(message + L": " + detail);
   } catch (...) {
     ShowErrorMessage(L"tmpOrvPap_ShowListMessage (Sub)");
   }

@@ -43,6 +43,13 @@ class usrImport final : public controls::Control {
   bool StartImport(const std::wstring& vPtFile,
                    const std::vector<std::shared_ptr<clsOrvPap>>& vColOrvPap, bool vMakeBackup);
 
+  // The files of the last run's updates that were not applied whole without any message that is an
+  // error: because the product table was taken by somebody else meanwhile, or because there is no
+  // link of assortment and supplier to take the dates.
+  const std::vector<std::wstring>& SilentFailures() const { return m_silentFailures; }
+  // The backups of the last run that could not be made. The list shows them like the others.
+  const std::vector<std::wstring>& FailedBackups() const { return m_failedBackups; }
+
  private:
   class UpdateInHand;
 
@@ -56,7 +63,9 @@ class usrImport final : public controls::Control {
                                  bool vShowInList, bool vError);
   void cmdCopyToClipboard_Click() const;
 
-  bool m_error = false;                  // a message of this run was an error
+  std::size_t m_errors = 0;  // messages of this run that were errors
+  std::vector<std::wstring> m_silentFailures;
+  std::vector<std::wstring> m_failedBackups;
   std::unique_ptr<clsLogfile> m_log;     // while updates are applied
   std::shared_ptr<clsOrvPap> tmpOrvPap;  // the update in hand; its events come to this page
 };

@@ -17,7 +17,7 @@ constexpr std::wstring_view kPassword = L"Jet OLEDB:Database Password";
 std::wstring& Properties::operator[](const std::wstring& name) {
   if (text::EqualsNoCase(name, kDataSource)) return data_source_;
   if (text::EqualsNoCase(name, kPassword)) return password_;
-  Fail(Failure::kNoSuchItem);
+  Fail(Failure::kNoSuchItem, {name});
 }
 
 Connection::Connection() : state_(std::make_shared<ConnectionState>()) {

@@ -26,7 +26,7 @@ constexpr Entry kEntries[] = {
      L"Current Recordset does not support updating. This may be a limitation of the provider, or "
      L"of the selected locktype."},
     {Failure::kNoSuchItem, 3265,
-     L"Item cannot be found in the collection corresponding to the requested name or ordinal."},
+     L"Item cannot be found in the collection corresponding to the requested name or ordinal. (%)"},
     {Failure::kWrongValueType, 3421,
      L"Application uses a value of the wrong type for the current operation."},
     {Failure::kClosed, 3704, L"Operation is not allowed when the object is closed."},

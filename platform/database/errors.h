@@ -17,7 +17,7 @@ enum class Failure {
   kBadArgument,
   kNoCurrentRow,
   kNotUpdatable,
-  kNoSuchItem,
+  kNoSuchItem,  // names: the item
   kWrongValueType,
   kClosed,
   kAlreadyOpen,

@@ -100,7 +100,9 @@ void Recordset::Impl::Save() {
     jet::Table& table = RequireTable();
     if (editing == Editing::kNew) {
       jet::Row row = edited;
-      const jet::RowId id = table.Insert(row);
+      for (std::size_t column = 0; column < row.size(); ++column)
+        if (!is_set[column]) row[column] = jet::Null{};
+      const jet::RowId id = table.Insert(row, is_set);
       rows.RowAdded(id, std::move(row));
     } else {
       // What was not set keeps the value that it has by now.
@@ -187,14 +189,14 @@ void Recordset::Find(const std::wstring& criterion) {
 
 Field Recordset::Fields(const std::wstring& name) {
   const std::optional<std::size_t> field = FindField(impl_->RequireCursor().fields(), name);
-  if (!field) Fail(Failure::kNoSuchItem);
+  if (!field) Fail(Failure::kNoSuchItem, {name});
   return {*this, *field};
 }
 
 std::size_t Recordset::FieldCount() const { return impl_->RequireCursor().fields().size(); }
 
 Field Recordset::FieldAt(std::size_t position) {
-  if (position >= FieldCount()) Fail(Failure::kNoSuchItem);
+  if (position >= FieldCount()) Fail(Failure::kNoSuchItem, {std::to_wstring(position)});
   return {*this, position};
 }
 

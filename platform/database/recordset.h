@@ -83,7 +83,8 @@ class Recordset {
   std::size_t FieldCount() const;
   Field FieldAt(std::size_t position);
 
-  // Begins a new row, which becomes current; Update saves it. Moving, searching, another AddNew and
+  // Begins a new row, which becomes current; Update saves it, with its default in every column that
+  // was not set (a Null that was set stays). Moving, searching, another AddNew and
   // closing discard what was set but not saved, in a new row as in one that is there, so that a
   // row that failed half-way never reaches the file. The autonumber can be read after Update.
   void AddNew();

@@ -77,7 +77,7 @@ void RowCursor::MoveNext() {
 void RowCursor::Find(std::wstring_view criterion) {
   const sql::Criterion test = sql::ParseCriterion(criterion);
   const std::optional<std::size_t> field = FindField(fields(), test.column);
-  if (!field) Fail(Failure::kNoSuchItem);
+  if (!field) Fail(Failure::kNoSuchItem, {test.column});
   const FieldInfo& info = fields()[*field];
   if (KindOf(info.type) != KindOf(test.constant)) Fail(Failure::kCriterionMismatch);
   if (AtEnd()) return;

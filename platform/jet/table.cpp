@@ -23,7 +23,8 @@ void RequireUserTable(const Table::Impl& table) {
 // Fills a new row's empty values; on failure takes them out again.
 class RowFiller {
  public:
-  RowFiller(Table::Impl& table, Row& row) : table_(table), row_(row) {}
+  RowFiller(Table::Impl& table, Row& row, const std::vector<bool>* is_given)
+      : table_(table), row_(row), is_given_(is_given) {}
   // Emptying a value does not throw; the check cannot see that.
   ~RowFiller() {  // NOLINT(bugprone-exception-escape)
     if (committed_) return;
@@ -39,6 +40,7 @@ class RowFiller {
 
  private:
   void FillAutonumber(std::size_t at);
+  bool IsGiven(std::size_t column) const { return is_given_ != nullptr && (*is_given_)[column]; }
   void Set(std::size_t column, Value value) {
     row_[column] = std::move(value);
     filled_.push_back(column);
@@ -46,6 +48,7 @@ class RowFiller {
 
   Table::Impl& table_;
   Row& row_;
+  const std::vector<bool>* is_given_;
   std::vector<std::size_t> filled_;
   std::optional<std::int32_t> autonumber_;
   bool committed_ = false;
@@ -76,7 +79,8 @@ void RowFiller::Fill() {
     } else if (column.is_auto_guid()) {
       Set(i, RandomGuid());
     } else {
-      Value value = (*table_.rules)[i].default_value.Evaluate(column);
+      Value value;
+      if (!IsGiven(i)) value = (*table_.rules)[i].default_value.Evaluate(column);
       if (IsNull(value) && column.type == ColumnType::kBoolean) value = false;
       if (!IsNull(value)) Set(i, std::move(value));
     }
@@ -209,6 +213,11 @@ RowId Table::Insert(Row& row) {
   return impl_->Insert(row);
 }
 
+RowId Table::Insert(Row& row, const std::vector<bool>& is_given) {
+  RequireUserTable(*impl_);
+  return impl_->Insert(row, &is_given);
+}
+
 void Table::Update(RowId id, const Row& row) {
   RequireUserTable(*impl_);
   impl_->Update(id, row);
@@ -219,11 +228,12 @@ void Table::Delete(RowId id) {
   RowChange(impl_->database).Delete(*impl_, id);
 }
 
-RowId Table::Impl::Insert(Row& row) {
+RowId Table::Impl::Insert(Row& row, const std::vector<bool>* is_given) {
   RequireChangeable(RowOperation::kInsert);
-  if (row.size() != definition.columns.size())
+  const std::size_t columns = definition.columns.size();
+  if (row.size() != columns || (is_given != nullptr && is_given->size() != columns))
     throw Error(ErrorKind::kTypeMismatch, "a row of another number of values than columns");
-  RowFiller filler(*this, row);
+  RowFiller filler(*this, row, is_given);
   filler.Fill();
   const RowId id = RowChange(database).Insert(*this, row, filler.autonumber());
   filler.Committed();

@@ -78,9 +78,12 @@ class Table {
   std::vector<RowId> RowsInOrder(std::size_t index) const;
 
   // Adds a row: one value a column, Null where nothing is given; autonumbers and defaults are
-  // filled in `row`. Errors: kNullInRequired, kNullInKey, kZeroLength, kTooLong, kRowTooLarge,
-  // kTypeMismatch, kDuplicateKey, kNoParentRow, kNotSupported, kReadOnly, kDiskFull, kIo.
+  // filled in `row`. With `is_given`, one a column, a Null that was given stays (a yes/no is False
+  // then) and only a column that was not gets its default. Errors: kNullInRequired, kNullInKey,
+  // kZeroLength, kTooLong, kRowTooLarge, kTypeMismatch, kDuplicateKey, kNoParentRow, kNotSupported,
+  // kReadOnly, kDiskFull, kIo.
   RowId Insert(Row& row);
+  RowId Insert(Row& row, const std::vector<bool>& is_given);
   // Replaces the row's values; referencing rows follow where their relationship cascades.
   // Also kHasChildRows, kRecordDeleted.
   void Update(RowId id, const Row& row);

@@ -62,8 +62,9 @@ struct Table::Impl {
   // an entry left behind by a cut-off change is not taken for a row.
   std::vector<RowId> Find(std::size_t index, std::span<const Value* const> values) const;
 
-  // As Table::Insert and Update, for the engine's own tables as well.
-  RowId Insert(Row& row);
+  // As Table::Insert and Update, for the engine's own tables as well. Without `is_given` no Null
+  // is.
+  RowId Insert(Row& row, const std::vector<bool>* is_given = nullptr);
   void Update(RowId id, const Row& row);
 
   // Throws kNotSupported with the reason when rows of this table cannot be changed so.

@@ -148,6 +148,9 @@ TEST_F(GeneralFunctionsTest, PSplitAgreesWithItsStepsOnEveryShortLine) {
         fields.reset();
       }
       ASSERT_EQ(fields, SplitStepByStep(whole)) << testing::PrintToString(whole);
+      if (fields) {
+        ASSERT_EQ(PSplitCount(whole), fields->empty() ? 0 : fields->size() - 1);
+      }
     }
   }
 }
@@ -158,6 +161,8 @@ TEST_F(GeneralFunctionsTest, PSplitOfAnUnclosedQuoteEndsOnlyThroughDoEvents) {
   for (const wchar_t* const text : {L"\"a,b", L"x,\"a,b", L"\"x\",y\",z"}) {
     std::wstring line = text;
     EXPECT_THROW(PSplit(line), ProcessEnding);
+    pump = EndingPump(1000);
+    EXPECT_THROW(PSplitCount(line), ProcessEnding);
     pump = EndingPump(1000);
   }
   EXPECT_TRUE(m_prompt.messages.empty());

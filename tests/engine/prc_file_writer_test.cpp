@@ -165,6 +165,12 @@ TEST_F(PrcFileWriterTest, WithoutCollectionsOnlyTheSectionLinesStand) {
   EXPECT_THAT(Written(), testing::EndsWith("[UPDATE PRICEDATA]\r\n\r\n"));
 }
 
+TEST_F(PrcFileWriterTest, APathWithoutAFolderIsAllName) {
+  update.FilePath = L"a.PRC";
+  EXPECT_TRUE(update.SavePrcFile(folder.Text("out")));
+  EXPECT_THAT(Written(), testing::StartsWith("[VERSION]\r\n3.2\r\n"));
+}
+
 TEST_F(PrcFileWriterTest, AsksBeforeItOverwrites) {
   folder.Write("out/a.PRC", "old");
   const std::wstring path = folder.Text(std::filesystem::path("out") / "a.PRC");

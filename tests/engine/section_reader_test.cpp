@@ -74,7 +74,7 @@ TEST_F(SectionReaderTest, FieldsAreConvertedByTheirKind) {
            "A,S,70000\nA,S,\nA,S,99999999999\n"
            "[UPDATE OVERLENGTHBONUS]\n"
            "1.5, .25 ,1e2\nx,,-0.5\n"));
-  const std::vector<clsNewAssortment>& assortments = *update->NewAssortments;
+  const std::deque<clsNewAssortment>& assortments = *update->NewAssortments;
   ASSERT_THAT(assortments, SizeIs(2));
   EXPECT_EQ(assortments[0].DimUnit, 2);
   EXPECT_EQ(assortments[0].PriceUnit, 255);
@@ -168,6 +168,18 @@ TEST_F(SectionReaderTest, LongFileLetsTheWindowLive) {
   std::string bytes = "[NEW SERIE]\n";
   for (int i = 0; i < 2000; ++i) bytes += "A,,1,1,\n";
   EXPECT_THROW(Read(bytes), ProcessEnding);
+}
+
+// Lines as long as a damaged file may have them cost time in proportion to their length and, what
+// does not become a record, no memory but the line's own.
+TEST_F(SectionReaderTest, LinesOfMillionsOfCharacters) {
+  constexpr std::size_t kLength = 50'000'000;
+  const std::string code(kLength / 10, 'x');
+  EXPECT_TRUE(
+      Read("[NEW SERIE]\n" + std::string(kLength, ',') + "\n" + code + ",,1,1,\nB,,1,1,\n"));
+  ASSERT_THAT(*update->NewSeries, SizeIs(2));
+  EXPECT_EQ(update->NewSeries->front().SerieCode.size(), code.size());
+  EXPECT_EQ(update->NewSeries->back().SerieCode, L"B");
 }
 
 }  // namespace

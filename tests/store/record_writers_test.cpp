@@ -218,7 +218,7 @@ TEST_F(RecordWritersTest, ArticleIsAddedThenChangedInItsSerieOnly) {
   } refused[] = {
       {L"HEB", L"#93 HEA100"},  // the article is in HEA
       {L"HOT", L"#91 HOT"},     // the series is of the other assortment
-      {L"NONE", L""},
+      {L"NONE", L"#1050 NONE"},
   };
   for (const auto& c : refused) {
     SCOPED_TRACE(testing::Message() << "serie " << testing::PrintToString(c.serie));

@@ -58,6 +58,16 @@ TEST_F(ApplyCommandTest, PrintsWhatTheListShows) {
   EXPECT_THAT(both.err, IsEmpty());
 }
 
+// The link that would take the dates is missing: no line of the list tells.
+TEST_F(ApplyCommandTest, NamesAnUpdateThatFailedInSilence) {
+  const std::string lines = kGood;
+  folder.Write("unlinked.PRC", lines.substr(0, lines.find("[NEW ASSSUPPL]")));
+  const ProgramOutcome outcome = Apply(MakeProductTable(), {Path("unlinked.PRC")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(Lines(outcome.out), testing::SizeIs(4));
+  EXPECT_EQ(outcome.err, "paptool: not applied, or not all of it: " + Path("unlinked.PRC") + "\n");
+}
+
 // The whole of the wizard's import: a backup before each update, a log, the register.
 TEST_F(ApplyCommandTest, BacksUpLogsAndRegisters) {
   const std::string table = MakeProductTable();
@@ -80,7 +90,27 @@ TEST_F(ApplyCommandTest, BacksUpLogsAndRegisters) {
   EXPECT_THAT(registered(backup), testing::SizeIs(2)) << "as it was before the second update";
   EXPECT_EQ(RunApply({"--table", table, Path("good.PRC")}).status, 0);
   EXPECT_THAT(registered(table), testing::SizeIs(2)) << "applied twice is one row";
-  EXPECT_NE(test_support::ReadAll(folder / "BEAMS_S1_20260105.pt"), before);
+  EXPECT_TRUE(test_support::ReadAll(folder / "BEAMS_S1_20260105.pt") != before);
+}
+
+TEST_F(ApplyCommandTest, NamesABackupThatCouldNotBeMade) {
+  folder.Write("good.PRC", kGood);
+  folder.Write("BEAMS_S1_20260105.pt/in the way", "");
+  const ProgramOutcome outcome =
+      RunApply({"--table", MakeProductTable(), "--language", MakeLanguageFile(), Path("good.PRC")});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(Lines(outcome.out), testing::SizeIs(5));
+  EXPECT_EQ(outcome.err,
+            "paptool: this backup could not be made: " + Path("BEAMS_S1_20260105.pt") + "\n");
+}
+
+// The import does not get past such a line, which must not look like a program that hangs. Without
+// a product table it never comes to that.
+TEST_F(ApplyCommandTest, NamesALineThatIsSplitWithoutEnd) {
+  folder.Write("endless.PRC", std::string(kGood) + "[NEW SERIE]\r\nA,x,1,True,\r\n\"B,1\r\n");
+  const ProgramOutcome outcome = Apply(Path("no such table.pt"), {Path("endless.PRC")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr(Path("endless.PRC") + ", line 30: endless: "));
 }
 
 // Nothing is opened before all updates are known to be usable.

@@ -78,6 +78,15 @@ TEST_F(DemoCommandTest, OverwritesAProductTableOnlyWhenForced) {
   EXPECT_THAT(Updates(), SizeIs(7));
 }
 
+TEST_F(DemoCommandTest, SaysWhatToDoWhereNoFolderCanBe) {
+  folder.Write("file", "");
+  const ProgramOutcome outcome = Run({"demo", Path(fs::path("file") / "demo")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, StartsWith("paptool: the demo installation cannot be made in " +
+                                      Path(fs::path("file") / "demo") + ": "));
+  EXPECT_THAT(outcome.err, HasSubstr("Give a folder that you may write to."));
+}
+
 // The masses that the standards print beside the dimensions, in kg a metre.
 TEST(CatalogueTest, MassesAgreeWithTheStandards) {
   const std::map<std::wstring, double> printed = {

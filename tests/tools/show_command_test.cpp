@@ -43,15 +43,28 @@ TEST_F(ShowCommandTest, PrintsEverythingThatIsInAFile) {
 
 TEST_F(ShowCommandTest, FilesThatCannotBeReadDoNotHideOthers) {
   folder.Write("empty.PRC", "");
-  folder.Write("date.PRC", "[DATE]\r\n-9990101\r\n");
   const ProgramOutcome outcome =
-      Run({"show", Path("missing.PRC"), Path("empty.PRC"), Path("date.PRC"), Path("empty.PRC")});
+      Run({"show", Path("missing.PRC"), Path("empty.PRC"), Path("empty.PRC")});
   EXPECT_EQ(outcome.status, 1);
   const auto errors = Lines(outcome.err);
-  ASSERT_EQ(errors.size(), 2u);
+  ASSERT_EQ(errors.size(), 1u);
   EXPECT_THAT(errors[0], HasSubstr(Path("missing.PRC") + ": File not found"));
-  EXPECT_THAT(errors[1], HasSubstr(Path("date.PRC") + ": Invalid procedure call or argument"));
   EXPECT_THAT(Lines(outcome.out), testing::Contains("Size: 0").Times(2));
+}
+
+TEST_F(ShowCommandTest, ADateOutsideTheCalendarHidesNothingElse) {
+  folder.Write("date.PRC", "[VERSION]\r\n3.2\r\n\r\n[DATE]\r\n99999999\r\n[Remark]\r\nr\r\n");
+  const ProgramOutcome outcome = Run({"show", Path("date.PRC")});
+  EXPECT_EQ(outcome.status, 0);
+  const std::string reason =
+      "Invalid procedure call or argument ([DATE] in line 5: '99999999' is no date)";
+  EXPECT_THAT(Lines(outcome.out),
+              testing::IsSupersetOf(
+                  {std::string("VERSION: 3.2"), std::string("DATE: "), std::string("Remark: r"),
+                   "line 5: not read, and an import would not take the file: " + reason}));
+  const ProgramOutcome applied = Run({"apply", "--table", Path("none.pt"), Path("date.PRC")});
+  EXPECT_EQ(applied.status, 2);
+  EXPECT_THAT(applied.err, HasSubstr("cannot read " + Path("date.PRC") + ": " + reason));
 }
 
 }  // namespace

@@ -74,6 +74,13 @@ TEST_F(TableCommandsTest, RowsPrintsEveryKindOfValue) {
                               id + "\t0.007"));
 }
 
+TEST_F(TableCommandsTest, RowsOfSystemTablesAreNotShown) {
+  const ProgramOutcome outcome = Run({"rows", "--table", MakeProductTable(), "MSysObjects"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.out, IsEmpty());
+  EXPECT_THAT(outcome.err, testing::HasSubstr("no read permission on 'MSysObjects'"));
+}
+
 TEST_F(TableCommandsTest, TablesCountsRowsInNameOrder) {
   const ProgramOutcome outcome = Run({"tables", "--table", MakeProductTable()});
   EXPECT_EQ(outcome.status, 0);

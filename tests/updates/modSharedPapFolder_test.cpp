@@ -10,13 +10,11 @@
 #include "platform/files/paths.h"
 #include "platform/text/runtime_error.h"
 #include "tests/support/error_number.h"
+#include "tests/support/file_protection.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/numbered_texts.h"
 #include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
-#ifndef _WIN32
-#include "tests/support/posix/ordinary_user.h"
-#endif
 
 namespace {
 
@@ -114,12 +112,7 @@ TEST_F(PapFolderTest, AFileThatCannotBeReadEndsTheScan) {
 TEST_F(PapFolderTest, AFileThatNobodyMayReadEndsTheScan) {
   WriteUpdate("a.prc", "S");
   const auto path = m_folder.Write("b.prc", "");
-#ifdef _WIN32
-  const files::FileLock somebody(path, files::MissingFile::kHoldNothing);
-#else
-  std::filesystem::permissions(path, std::filesystem::perms::none);
-  const test_support::OrdinaryUser user;
-#endif
+  const test_support::ReadProtection protection(path);
   EXPECT_EQ(ErrorNumberOf([&] { Scan(); }), files::kPermissionDenied);
   EXPECT_FALSE(AvailablePaps.has_value());
 }

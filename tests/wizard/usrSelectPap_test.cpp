@@ -10,13 +10,11 @@
 #include "platform/text/code_page.h"
 #include "platform/text/date.h"
 #include "store/modProductTable.h"
+#include "tests/support/file_protection.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/surface_test.h"
 #include "updates/modSharedPapFolder.h"
 #include "updates/modSharedPapRegister.h"
-#ifndef _WIN32
-#include "tests/support/posix/ordinary_user.h"
-#endif
 
 namespace {
 
@@ -206,18 +204,11 @@ TEST_F(usrSelectPapTest, AFileThatCannotBeReadEndsTheScan) {
     prompt.messages.clear();
   };
   {
-#ifdef _WIN32
-    const files::FileLock somebody(file, files::MissingFile::kHoldNothing);
-    expect_reported(L"Error = 70:");
-#else
     for (const std::filesystem::path& path : {folder.path(), files::ToPath(product_table)})
       std::filesystem::permissions(path, std::filesystem::perms::all);
-    std::filesystem::permissions(file, std::filesystem::perms::none);
-    const test_support::OrdinaryUser user;
+    const test_support::ReadProtection protection(file);
     expect_reported(L"Error = 70:");
-#endif
   }
-  std::filesystem::permissions(file, std::filesystem::perms::owner_all);
   folder.Write(file, "[DATE]\r\n-9990101\r\n");
   expect_reported(L"Error = 5:");
 }

@@ -3,12 +3,9 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/files/file_lock.h"
 #include "platform/files/paths.h"
+#include "tests/support/file_protection.h"
 #include "tests/support/surface_test.h"
-#ifndef _WIN32
-#include "tests/support/posix/ordinary_user.h"
-#endif
 
 namespace {
 
@@ -83,12 +80,7 @@ TEST_F(usrWelkomTest, AFileThatEndsTooSoonIsReportedAndTheUserGoesOn) {
 
 TEST_F(usrWelkomTest, AFileThatNobodyMayReadIsReportedAndTheUserGoesOn) {
   const auto path = folder.Write("welcome.txt", "Welcome\r\nto this\r\n");
-#ifdef _WIN32
-  const files::FileLock somebody(path, files::MissingFile::kHoldNothing);
-#else
-  std::filesystem::permissions(path, std::filesystem::perms::none);
-  const test_support::OrdinaryUser user;
-#endif
+  const test_support::ReadProtection protection(path);
   settings.strWelcomeText = files::ToText(path);
   page.Init();
   EXPECT_THAT(heard, testing::ElementsAre(L"on"));

@@ -199,7 +199,7 @@ TEST_F(WalkTest, ThreeUpdatesTheSecondOfWhichFailsInOneRecord) {
               ElementsAre(L"20260105_VELDHAVEN_PROFIEL.PRC|2026-01-05 00:00:00|2026-02-28 12:00:00",
                           L"20260223_BRUGMEER_BUIS.PRC|2026-02-02 00:00:00|2026-02-28 12:00:00"));
   EXPECT_EQ(Contents(table), after_each[3]);
-  EXPECT_EQ(ReadAll(backups[0]), before);
+  EXPECT_TRUE(ReadAll(backups[0]) == before);
   for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(Contents(backups[i]), after_each[i]) << i;
   EXPECT_THAT(RegisterOf(backups[1]), testing::SizeIs(2)) << "the first of now, the second of then";
   EXPECT_THAT(RegisterOf(backups[2]), testing::SizeIs(1)) << "the second is withdrawn";

@@ -18,6 +18,7 @@
 #include "tools/paptool/console_prompt.h"
 #include "tools/paptool/paths.h"
 #include "tools/paptool/product_table_options.h"
+#include "tools/paptool/update_file_report.h"
 #include "updates/modSharedPap.h"
 #include "wizard/usrImport.h"
 
@@ -72,6 +73,18 @@ std::optional<std::wstring> Unusable(const std::wstring& path, clsOrvPap& update
   return std::nullopt;
 }
 
+// Names the lines that the import will not get past. It is begun all the same: what comes before
+// such a line in the list of updates is applied.
+void WarnOfEndlessLines(const std::wstring& path) {
+  UpdateFileReport report;
+  ReadUpdateFile(path, report);
+  for (const UnreadLine& line : report.unread) {
+    if (line.reason != UnreadLine::Reason::kEndless) continue;
+    PrintError(path + L", line " + std::to_wstring(line.number) + L": " + Reason(line) +
+               L". Interrupt it, close the quotes and apply the update again.");
+  }
+}
+
 // Prints the page's list line by line, at the moments at which a window would show it.
 class ListPrinter final : public controls::EventPump {
  public:
@@ -108,6 +121,7 @@ int Apply(const ApplyOptions& options) {
       PrintError(*reason);
       return kWrongUsage;
     }
+    WarnOfEndlessLines(updates.back()->FilePath);
   }
 
   ProductTablePassword = text::Utf8ToWide(options.product_table.password);
@@ -116,7 +130,13 @@ int Apply(const ApplyOptions& options) {
   settings.objEventPump = &printer;
   const bool done =
       page.StartImport(options.product_table.AbsolutePath(), updates, !options.no_backup);
-  return done ? kDone : kFailed;
+  for (const std::wstring& backup : page.FailedBackups()) {
+    PrintError(L"this backup could not be made: " + backup);
+  }
+  for (const std::wstring& update : page.SilentFailures()) {
+    PrintError(L"not applied, or not all of it: " + update);
+  }
+  return done && page.SilentFailures().empty() ? kDone : kFailed;
 }
 
 }  // namespace
@@ -138,8 +158,9 @@ void AddApplyCommand(CLI::App& app, Work& work) {
       ->required();
   command->footer(
       "Prints a line a message: message, tab, detail. A line that begins with \"! \" is an error,\n"
-      "such as a record that was refused; then the exit status is 1. It is 2 when nothing was\n"
-      "tried. The product table is changed in place. The copy made before each update lies beside\n"
+      "such as a record that was refused. Then, or when an update was not applied whole (which\n"
+      "standard error tells), the exit status is 1. It is 2 when nothing was tried. The product\n"
+      "table is changed in place. The copy made before each update lies beside\n"
       "it, named from the update's assortment, supplier and date.");
   command->callback([&work, options] { work = [options] { return Apply(*options); }; });
 }

@@ -1,10 +1,13 @@
 // paptool demo: makes a demo installation.
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "app/modShared.h"
 #include "demo/installation.h"
 #include "platform/files/paths.h"
+#include "platform/text/code_page.h"
 #include "tools/paptool/commands.h"
 #include "tools/paptool/console.h"
 #include "tools/paptool/console_prompt.h"
@@ -18,10 +21,16 @@ struct DemoOptions {
   bool force = false;
 };
 
+// Where it cannot be told, making the installation will say why.
+bool IsThere(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::exists(path, ignored);
+}
+
 int Demo(const DemoOptions& options) {
   const std::wstring folder = AbsolutePath(options.folder);
   const std::filesystem::path table = files::ToPath(folder) / demo::kProductTableFile;
-  if (!options.force && std::filesystem::exists(table)) {
+  if (!options.force && IsThere(table)) {
     PrintError(L"there is a product table already: " + files::ToText(table) +
                L"\nGive another folder, or --force to make a new one in its place.");
     return kWrongUsage;
@@ -31,7 +40,14 @@ int Demo(const DemoOptions& options) {
   SharedSettings settings;
   settings.objPrompt = &prompt;
   const SharedSettingsScope scope(settings);
-  demo::MakeInstallation(files::ToPath(folder), ProgramFile());
+  try {
+    demo::MakeInstallation(files::ToPath(folder), ProgramFile());
+  } catch (const std::filesystem::filesystem_error& error) {
+    PrintError(L"the demo installation cannot be made in " + folder + L": " +
+               text::Utf8ToWide(error.code().message()) +
+               L". Give a folder that you may write to.");
+    return kFailed;
+  }
   PrintLine(L"The demo installation is in " + folder + L".");
   return kDone;
 }

@@ -24,6 +24,7 @@ std::wstring Advice(std::int32_t number) {
     case 3045:  // in use
       return L" Close the program that has it open.";
     case 3078:  // no such table
+    case 3112:  // a system table
       return L" `paptool tables` lists the tables there are.";
     case 3343:  // no database
       return L" Is this file a product table?";

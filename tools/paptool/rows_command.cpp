@@ -1,6 +1,8 @@
 // paptool rows: the rows of one table as tab-separated text.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 #include "platform/database/errors.h"
 #include "platform/text/code_page.h"
@@ -22,6 +24,10 @@ int Rows(const RowsOptions& options) {
   return database::Translated(options.product_table.AbsolutePath(), [&] {
     const jet::Table& table =
         database->OpenTable(text::WideToUtf16(text::Utf8ToWide(options.table)));
+    const std::vector<std::u16string> names = database->TableNames();
+    if (std::find(names.begin(), names.end(), table.name()) == names.end()) {
+      database::Fail(database::Failure::kNoReadPermission, {text::Utf16ToWide(table.name())});
+    }
     PrintLine(ColumnNames(table));
     jet::Table::Scan rows = table.ScanRows();
     while (const std::optional<jet::StoredRowValues> row = rows.Next()) {

@@ -22,23 +22,6 @@ std::wstring HeaderValue(const clsOrvPap& header, const PapHeaderField& field) {
   return date == text::kUnsetDate ? std::wstring() : text::FormatDate(date);
 }
 
-std::wstring Reason(const UnreadLine& line) {
-  switch (line.reason) {
-    case UnreadLine::Reason::kEndless:
-      return L"endless: the first quoted text is not closed, an import would not get past this "
-             L"line";
-    case UnreadLine::Reason::kFieldCount: {
-      const PrcFileFormat::SectionFormat& section = PrcFileFormat::FormatOf(line.section);
-      return std::to_wstring(line.fields) + (line.fields == 1 ? L" field" : L" fields") +
-             L" where " + std::wstring(section.Line) + L" has " +
-             std::to_wstring(section.FieldCount);
-    }
-    case UnreadLine::Reason::kOutside:
-      break;
-  }
-  return L"outside every section";
-}
-
 void PrintField(std::wstring_view name, std::wstring_view value) {
   PrintLine(text::WideToUtf8(name) + ": " + text::WideToUtf8(value));
 }

@@ -2,13 +2,13 @@
 #include "tools/paptool/update_file_report.h"
 
 #include <optional>
-#include <utility>
 
 #include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
 #include "engine/PrcSectionTracker.h"
 #include "platform/files/paths.h"
 #include "platform/files/text_reader.h"
+#include "platform/text/runtime_error.h"
 #include "updates/PapHeaderReader.h"
 
 namespace paptool {
@@ -22,21 +22,21 @@ class EndlessLoopBreaker final : public controls::EventPump {
 };
 
 // How many fields the import finds in a record line; nothing when it would never stop looking.
-std::optional<std::size_t> FieldCount(std::wstring line) {
+std::optional<std::size_t> FieldCount(const std::wstring& line) {
   EndlessLoopBreaker breaker;
   SharedSettings settings = Shared();
   settings.objEventPump = &breaker;
   const SharedSettingsScope scope(settings);
   try {
-    return PSplit(line).size() - 1;  // index 0 holds no field
+    return PSplitCount(line);
   } catch (const ProcessEnding&) {
     return std::nullopt;
   }
 }
 
 // Whether a record line is read; if not, `unread` tells why.
-bool IsRead(std::wstring line, PrcFileFormat::Section section, UnreadLine& unread) {
-  const std::optional<std::size_t> fields = FieldCount(std::move(line));
+bool IsRead(const std::wstring& line, PrcFileFormat::Section section, UnreadLine& unread) {
+  const std::optional<std::size_t> fields = FieldCount(line);
   if (!fields) {
     unread.reason = UnreadLine::Reason::kEndless;
     return false;
@@ -47,7 +47,37 @@ bool IsRead(std::wstring line, PrcFileFormat::Section section, UnreadLine& unrea
   return *fields == PrcFileFormat::FormatOf(section).FieldCount;
 }
 
+// Whether a line belongs to the header and is read; if not, `unread` tells why.
+bool ReadHeaderLine(PapHeaderReader& header, const std::wstring& line, UnreadLine& unread) {
+  try {
+    return header.ReadLine(line);
+  } catch (const text::RuntimeError& error) {
+    unread.reason = UnreadLine::Reason::kNoDate;
+    unread.no_date = error.description();
+    return false;
+  }
+}
+
 }  // namespace
+
+std::wstring Reason(const UnreadLine& line) {
+  switch (line.reason) {
+    case UnreadLine::Reason::kEndless:
+      return L"endless: the first quoted text is not closed, an import would not get past this "
+             L"line";
+    case UnreadLine::Reason::kFieldCount: {
+      const PrcFileFormat::SectionFormat& section = PrcFileFormat::FormatOf(line.section);
+      return std::to_wstring(line.fields) + (line.fields == 1 ? L" field" : L" fields") +
+             L" where " + std::wstring(section.Line) + L" has " +
+             std::to_wstring(section.FieldCount);
+    }
+    case UnreadLine::Reason::kNoDate:
+      return L"not read, and an import would not take the file: " + line.no_date;
+    case UnreadLine::Reason::kOutside:
+      break;
+  }
+  return L"outside every section";
+}
 
 void ReadUpdateFile(const std::wstring& path, UpdateFileReport& report) {
   using LineKind = PrcSectionTracker::LineKind;
@@ -55,12 +85,12 @@ void ReadUpdateFile(const std::wstring& path, UpdateFileReport& report) {
   PapHeaderReader header(report.header);
   PrcSectionTracker sections;
   for (std::size_t number = 1; !file.AtEnd(); ++number) {
-    std::wstring line = file.ReadLine();
+    const std::wstring line = file.ReadLine();
     const LineKind kind = sections.Take(line);
-    const bool in_header = header.ReadLine(line);
     UnreadLine unread{.number = number};
+    const bool in_header = ReadHeaderLine(header, line, unread);
     if (kind == LineKind::kRecord) {
-      if (IsRead(std::move(line), sections.Current(), unread)) {
+      if (IsRead(line, sections.Current(), unread)) {
         ++report.records[static_cast<std::size_t>(sections.Current())];
       } else {
         report.unread.push_back(unread);

@@ -16,13 +16,19 @@ struct UnreadLine {
     kOutside,     // of every section
     kEndless,     // the import would split it without end
     kFieldCount,  // not that of its section
+    kNoDate,      // where the header has one
   };
   Reason reason = Reason::kOutside;
   std::size_t number = 0;  // of the line, from 1
   // Where the number of fields is wrong:
   PrcFileFormat::Section section{};
   std::size_t fields = 0;
+  // Where a date of the header lies outside the calendar, what its reader says of that.
+  std::wstring no_date{};
 };
+
+// The reason in words.
+std::wstring Reason(const UnreadLine& line);
 
 struct UpdateFileReport {
   clsOrvPap header;
@@ -31,8 +37,7 @@ struct UpdateFileReport {
 };
 
 // Reads the file line by line and fills `report`, a new object. A line that the import would split
-// without end is named, not split. Throws text::RuntimeError when the file cannot be read, and 5
-// when a date of its header lies outside the calendar.
+// without end is named, not split. Throws text::RuntimeError when the file cannot be read.
 void ReadUpdateFile(const std::wstring& path, UpdateFileReport& report);
 
 }  // namespace paptool

@@ -68,7 +68,7 @@ TEST(DatabaseTest, OpenedForReadingItRefusesEveryChange) {
   EXPECT_EQ(FailureOf([&] { database->OpenTable(u"T").Insert(row); }), (Failure{kReadOnly, {}}));
   EXPECT_EQ(FailureOf([&] { database->CreateTable({.name = u"U", .columns = {{.name = u"A"}}}); }),
             (Failure{kReadOnly, {}}));
-  EXPECT_EQ(test_support::ReadAll(path), before);
+  EXPECT_TRUE(test_support::ReadAll(path) == before);
 }
 
 TEST(DatabaseTest, FindsTablesWithoutCaseAndListsThoseOfTheUserByName) {
@@ -175,7 +175,7 @@ TEST(DatabaseTest, FilesNotFullyUnderstoodAreReadButNotChanged) {
     EXPECT_EQ(
         FailureOf([&] { database->CreateIndex(u"Goods", {.name = u"New", .columns = {{u"Id"}}}); }),
         (Failure{kNotSupported, {}}));
-    EXPECT_EQ(database.disk().Snapshot(), before);
+    EXPECT_TRUE(database.disk().Snapshot() == before);
   }
 }
 
@@ -214,7 +214,7 @@ TEST(DatabaseTest, TablesNotFullyUnderstoodAreReadButNotChanged) {
     EXPECT_EQ(FailureOf([&] { goods.Insert(row); }), refusal);
     EXPECT_EQ(FailureOf([&] { goods.Update(RowsOf(goods)[0].id, row); }), refusal);
     EXPECT_EQ(FailureOf([&] { goods.Delete(RowsOf(goods)[0].id); }), refusal);
-    EXPECT_EQ(database.disk().Snapshot(), before);
+    EXPECT_TRUE(database.disk().Snapshot() == before);
     Row other = {1};
     EXPECT_EQ(FailureOf([&] { database[u"Other"].Insert(other); }), std::nullopt);
   }

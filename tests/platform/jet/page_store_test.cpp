@@ -5,8 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-
+#include "tests/support/file_protection.h"
 #include "tests/support/temporary_folder.h"
 
 namespace jet::test {
@@ -100,18 +99,14 @@ TEST(PageStoreTest, SaysWhatItCannotOpen) {
 TEST(PageStoreTest, AWriteProtectedFileOpensForReading) {
   const TemporaryFolder folder;
   const auto path = folder.Write("a.mdb", Pages(3));
-  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
-  const bool protects = !std::ofstream(path, std::ios::app);
-  if (protects) {
-    const auto store = OpenPageStore(path, OpenMode::kReadWrite);
-    EXPECT_TRUE(store->read_only());
-    EXPECT_THROW(store->Write(1, PageBytes{}), Error);
-    PageBytes page{};
-    store->Read(2, page);
-    EXPECT_EQ(page[0], std::byte{'x'});
-  }
-  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-  if (!protects) GTEST_SKIP() << "this account may write to any file";
+  const test_support::WriteProtection protection(path);
+  if (!protection.Holds()) GTEST_SKIP() << "this account may write to any file";
+  const auto store = OpenPageStore(path, OpenMode::kReadWrite);
+  EXPECT_TRUE(store->read_only());
+  EXPECT_THROW(store->Write(1, PageBytes{}), Error);
+  PageBytes page{};
+  store->Read(2, page);
+  EXPECT_EQ(page[0], std::byte{'x'});
 }
 
 TEST(PageStoreTest, AStaleLockFileMeansNothing) {

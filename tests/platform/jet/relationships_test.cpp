@@ -160,7 +160,7 @@ TEST(RelationshipTest, ACascadeObeysTheRulesOfTheTablesItReaches) {
 
   // The child would have to go, but something refers to it.
   EXPECT_EQ(FailureOf([&] { parents.Delete(one); }), Fails(kHasChildRows, u"Grandchildren"));
-  EXPECT_EQ(database.disk().Snapshot(), before);
+  EXPECT_TRUE(database.disk().Snapshot() == before);
   database[u"Grandchildren"].Delete(grandchild);
   ChangeValue(parents, one, 0, 2);  // its child follows, alone in its unique index
   parents.Delete(one);
@@ -276,7 +276,7 @@ TEST(RelationshipTest, HalfPresentRelationshipsRefuseChangesOfTheTable) {
                 Add(database[u"Parents"], {2, Null{}});
               }),
               Fails(kNotSupported, u"Parents"));
-    EXPECT_EQ(database.disk().Snapshot(), before);
+    EXPECT_TRUE(database.disk().Snapshot() == before);
     EXPECT_EQ(RowsOf(database[u"Children"]).size(), 1u);
   }
 }

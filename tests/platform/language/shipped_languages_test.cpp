@@ -29,13 +29,13 @@ constexpr std::int32_t kTextNumbers[] = {
     72,   73,   74,   76,   77,   78,   79,   80,   81,   82,   83,   84,   85,   86,   87,
     88,   89,   90,   91,   93,   94,   95,   96,   97,   98,   99,   100,  101,  102,  103,
     104,  132,  133,  1000, 1001, 1002, 1003, 1004, 1005, 1006, 1007, 1008, 1010, 1011, 1012,
-    1013, 1020, 1021, 1022, 1023, 1024, 1030, 1040, 1041, 1042};
+    1013, 1020, 1021, 1022, 1023, 1024, 1030, 1040, 1041, 1042, 1050};
 constexpr std::int32_t kToolTipNumbers[] = {58, 1011, 1012, 1013};
 constexpr std::int32_t kMessageNumbers[] = {26, 27, 50, 1024};
 
 // Texts into which the program puts a path or a code.
-constexpr std::int32_t kFilledTexts[] = {5,  53, 54, 56, 67,  68,  80,  86,
-                                         87, 88, 91, 93, 101, 102, 103, 1024};
+constexpr std::int32_t kFilledTexts[] = {5,  53, 54, 56,  67,  68,  80,   86,  87,
+                                         88, 91, 93, 101, 102, 103, 1024, 1050};
 
 std::size_t Count(const std::wstring& text, const std::wstring& mark) {
   return (text.size() - text::ReplaceAll(text, mark, L"").size()) / mark.size();
