@@ -9,7 +9,9 @@
 
 namespace {
 
+// Throws before the version is known: the key would be the host product's own.
 std::wstring UserKey(const std::wstring& vSubKey) {
+  if (Shared().strVersionSubKey.empty()) text::Raise(text::kInvalidProcedureCall);
   return L"Software\\Velkor Software\\Orvane\\" + Shared().strVersionSubKey + vSubKey;
 }
 

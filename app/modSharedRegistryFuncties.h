@@ -19,8 +19,8 @@ void fSaveString(registry::RootKey vRootKey, const std::wstring& vKeyPath,
                  const std::wstring& vName, const std::wstring& vText);
 
 // The user's settings. Their key is the program's own, for this version, with `vSubKey` (mostly "")
-// below it. Truth values are stored as the words True and False; everything but the word FALSE, in
-// any case, reads as true.
+// below it; while strVersionSubKey (app/modShared) is empty that is error 5. Truth values are
+// stored as the words True and False; everything but the word FALSE, in any case, reads as true.
 std::wstring CurrentUser_HaalOp(const std::wstring& vSubKey, const std::wstring& vName,
                                 const std::wstring& vDefault);
 void CurrentUser_BrengWeg(const std::wstring& vSubKey, const std::wstring& vName,

@@ -52,14 +52,14 @@ void MakeUpdateFolder(const fs::path& folder) {
   WriteUpdates(files::ToText(path));
 }
 
-// ProductTable is left out on purpose: without it the program takes the product table beside
-// itself, so the folder may be carried around.
+// The folder may be carried around: the welcome text is named without a folder, and ProductTable is
+// left out, so that the program takes both from beside itself.
 void WriteRegistry(const fs::path& folder) {
   const std::wstring settings = std::wstring(L"HKEY_LOCAL_MACHINE\\") + kSettingsKey;
   const std::wstring user = L"HKEY_CURRENT_USER\\Software\\Velkor Software\\Orvane\\3.2\\PAP32\\";
   registry::RegFile registry("");
   registry.SetText(settings, L"PAPUPDATERLANGUAGE", L"dutch.lng");
-  registry.SetText(settings, L"PAPUPDATERWELCOME", files::ToText(folder / kWelcomeFile));
+  registry.SetText(settings, L"PAPUPDATERWELCOME", files::ToText(kWelcomeFile));
   registry.SetText(user, L"Backup", L"True");
   registry.SetText(user, L"CheckInet", L"False");
   // Otherwise the first download step would clear the update folder, once.

@@ -2,10 +2,13 @@
 #include "wizard/usrImport.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
 
 #include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
+#include "platform/files/file_error.h"
+#include "platform/files/paths.h"
 #include "platform/text/date.h"
 #include "platform/text/strings.h"
 #include "store/modProductTable.h"
@@ -41,6 +44,14 @@ std::wstring LogPath() {
   return path.empty() ? AddBackslash(ProgramFolder()) + kLogFile : path;
 }
 
+// The log begins its file over, so a file that is to be read must not be it, whatever links lead
+// there.
+void RefuseLogOver(const std::wstring& vFile) {
+  if (!files::IsSameFile(LogPath(), vFile)) return;
+  const text::RuntimeError denied = files::FileError(files::kPermissionDenied);
+  throw text::RuntimeError(denied.number(), denied.description() + L": '" + LogPath() + L"'");
+}
+
 // The text that says why a product table is refused; nothing for one that is accepted, which is
 // then open in ProductConnection. A refused one may still be open there.
 std::optional<std::int32_t> RefusalOf(const std::wstring& vPtFile) {
@@ -58,9 +69,23 @@ std::optional<std::int32_t> RefusalOf(const std::wstring& vPtFile) {
 
 // The name tells which update it was made for and not when: applying the same update again replaces
 // the backup.
-std::wstring BackupPath(const std::wstring& vPtFile, const clsOrvPap& vOrvPap) {
-  return AddBackslash(GetFolder(vPtFile)) + vOrvPap.AssortmentCode + L"_" + vOrvPap.SupplierCode +
-         L"_" + text::FormatCompactDate(vOrvPap.PrcDate) + kBackupExtension;
+std::wstring BackupName(const clsOrvPap& vOrvPap) {
+  return vOrvPap.AssortmentCode + L"_" + vOrvPap.SupplierCode + L"_" +
+         text::FormatCompactDate(vOrvPap.PrcDate) + kBackupExtension;
+}
+
+// The folder of the product table, with a separator at its end. That of a bare name is the current
+// one and not, as an empty text would be, the root.
+std::wstring FolderOf(const std::wstring& vPtFile) {
+  const std::filesystem::path path = files::ToPath(vPtFile);
+  const bool relative = path.is_relative();
+  return AddBackslash(
+      GetFolder(relative ? files::ToText(std::filesystem::absolute(path)) : vPtFile));
+}
+
+// A code comes out of a file that somebody sent: it may be no way into another folder.
+bool StaysInFolder(const std::wstring& vName) {
+  return vName.find_first_of(L"/\\:") == std::wstring::npos;
 }
 
 // A text that the list and the log can hold: a damaged update may bring codes of millions of
@@ -114,6 +139,7 @@ class usrImport::UpdateInHand {
 };
 
 usrImport::usrImport() {
+  Contain({&lvResults, &ProgressBarTotal, &pBar, &cmdCopyToClipboard});
   cmdCopyToClipboard.Click = [this] { cmdCopyToClipboard_Click(); };
 }
 
@@ -134,6 +160,8 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
       tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kNothingChosen), L"", true, true);
       return false;
     }
+    RefuseLogOver(vPtFile);
+    for (const auto& orv_pap : vColOrvPap) RefuseLogOver(orv_pap->FilePath);
     m_log = std::make_unique<clsLogfile>();
     m_log->StartLog(LogPath());
     if (!CheckProductTable(vPtFile)) return false;
@@ -174,8 +202,9 @@ bool usrImport::CheckProductTable(const std::wstring& vPtFile) {
 
 void usrImport::ApplyUpdate(const std::wstring& vPtFile, bool vMakeBackup) {
   if (vMakeBackup) {
-    const std::wstring path = BackupPath(vPtFile, *tmpOrvPap);
-    if (!CopyPapFile(vPtFile, path)) m_failedBackups.push_back(path);
+    const std::wstring name = BackupName(*tmpOrvPap);
+    const std::wstring path = FolderOf(vPtFile) + name;
+    if (!StaysInFolder(name) || !CopyPapFile(vPtFile, path)) m_failedBackups.push_back(path);
     tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kBackup), path, true, false);
   }
   const std::size_t errors = m_errors;

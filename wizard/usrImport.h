@@ -38,8 +38,8 @@ class usrImport final : public controls::Control {
   //
   // The import log (strLogFile, app/modShared) holds all messages of this run, also those that are
   // not shown. False at once, with one red line and neither event, when there are no updates or
-  // the product table cannot be opened or is none of ours. The product table is released in the
-  // end.
+  // the product table cannot be opened or is none of ours. False with a report and nothing touched
+  // when the log would be one of these files. The product table is released in the end.
   bool StartImport(const std::wstring& vPtFile,
                    const std::vector<std::shared_ptr<clsOrvPap>>& vColOrvPap, bool vMakeBackup);
 

@@ -20,6 +20,8 @@ constexpr std::int32_t kProcessed = 1003;
 
 }  // namespace
 
+usrPapProcessed::usrPapProcessed() { Contain({&lvPrc}); }
+
 void usrPapProcessed::Init(const std::wstring& vPath) {
   try {
     setupLanguage();

@@ -10,6 +10,8 @@
 // One thread.
 class usrPapProcessed final : public controls::Control {
  public:
+  usrPapProcessed();
+
   controls::ListView lvPrc;  // key i & "P", i the position in ProcessedPaps from 1
 
   // Shows the register of the product table at `vPath`. A product table without one shows an empty

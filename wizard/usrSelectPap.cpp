@@ -38,9 +38,10 @@ std::wstring Pair(const std::wstring& vSupplierCode, const std::wstring& vAssort
 }  // namespace
 
 usrSelectPap::usrSelectPap() {
+  Contain({&lvPrc});
   lvPrc.SetCheckBoxes(true);
   lvPrc.ItemCheck = [this](std::size_t index) { lvPrc_ItemCheck(index); };
-  lvPrc.KeyPress = [this](wchar_t key) { lvPrc_KeyPress(key); };
+  lvPrc.KeyPress = [this](wchar_t key) { return lvPrc_KeyPress(key); };
 }
 
 void usrSelectPap::Init(const std::wstring& vPath) {
@@ -54,6 +55,8 @@ void usrSelectPap::Init(const std::wstring& vPath) {
     FillList();
   } catch (...) {
     ShowErrorMessage(L"usrSelectPap.Init (Sub)");
+    // The page is shown all the same; the last one's status line would be wrong over it.
+    RaiseEvent(SetStepText, StepText(LanguageText(SelectTexts::kTitle)));
     RaiseEvent(AanzettenVolgende, AnyChecked());
   }
 }
@@ -148,15 +151,17 @@ void usrSelectPap::lvPrc_ItemCheck(std::size_t vIndex) {
   }
 }
 
-void usrSelectPap::lvPrc_KeyPress(wchar_t vKey) {
+// The list itself would toggle the item in focus once more, so a space is always dealt with.
+bool usrSelectPap::lvPrc_KeyPress(wchar_t vKey) {
+  if (vKey != L' ') return false;
   try {
-    if (vKey != L' ') return;
     for (std::size_t index = 0; index < lvPrc.Items().size(); ++index) {
       const controls::ListItem& item = lvPrc.Item(index);
       if (item.selected) lvPrc.SetChecked(index, !item.checked);
     }
     RaiseEvent(AanzettenVolgende, AnyChecked());
   } catch (...) {
-    ShowErrorMessage(L"usrSelectPap.lvPrc_KeyPress (Sub)");
+    ShowErrorMessage(L"usrSelectPap.lvPrc_KeyPress (Function)");
   }
+  return true;
 }

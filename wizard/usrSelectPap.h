@@ -43,7 +43,7 @@ class usrSelectPap final : public controls::Control {
   void AddUpdate(const clsOrvPap& vPap, std::size_t vPosition);
   bool AnyChecked() const;
   void lvPrc_ItemCheck(std::size_t vIndex);
-  void lvPrc_KeyPress(wchar_t vKey);
+  bool lvPrc_KeyPress(wchar_t vKey);  // whether that was all to do
 
   std::vector<std::shared_ptr<clsOrvPap>> m_paps;  // what the positions in the keys count
   std::unordered_set<std::wstring> m_pairs;        // supplier code & "-" & assortment code, upper

@@ -32,6 +32,7 @@ void SetTexts(controls::CaptionedControl& vControl, std::int32_t vNumber) {
 }  // namespace
 
 usrTarget::usrTarget() {
+  Contain({&lblPTLocation, &txt_PTLocation, &cmdSelPT, &cmdReset, &chkBackup});
   cmdSelPT.Click = [this] { cmdSelPT_Click(); };
   cmdReset.Click = [this] { cmdReset_Click(); };
 }

@@ -7,8 +7,9 @@
 #include "platform/controls/control.h"
 #include "platform/controls/text_box.h"
 
-// Shows the text file that the setting PAPUPDATERWELCOME names (strWelcomeText, app/modShared). Its
-// first line is a heading for the status line, the others are the text. One thread.
+// Shows the text file that the setting PAPUPDATERWELCOME names (strWelcomeText, app/modShared); a
+// relative path starts from the program's folder. Its first line is a heading for the status line,
+// the others are the text. One thread.
 class usrWelkom final : public controls::Control {
  public:
   usrWelkom();
@@ -20,7 +21,8 @@ class usrWelkom final : public controls::Control {
 
   // Shows the text and lets the user go on, whatever became of the text. A file that is missing, or
   // whose heading is blank, is no error: a text of the program's own then stands there. A file
-  // without a second line, or one that cannot be read, is reported, and the page stays as it was.
+  // without a second line, one of more than a megabyte and one that cannot be read are reported,
+  // and the page stays as it was.
   void Init();
 
  private:

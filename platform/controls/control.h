@@ -1,6 +1,7 @@
 // What all controls have in common, and the two that have nothing more than a caption.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <utility>
 
@@ -11,9 +12,9 @@ namespace controls {
 //
 // Setters are for the program. A setter that changes something tells the observer, and raises no
 // event. What the user does has operations of its own (Press, Toggle, Type ...), called by the
-// window or by a test: they do nothing while the control is disabled or hidden, otherwise they
-// change the control, tell the observer and then raise the control's event, a function that the
-// page may have set.
+// window or by a test: they do nothing while the control, or one that contains it, is disabled or
+// hidden; otherwise they change the control, tell the observer and then raise the control's event,
+// a function that the page may have set.
 //
 // One thread. Not copied: a control has identity.
 class Control {
@@ -35,6 +36,12 @@ class Control {
   // long as it is told.
   void Observe(Observer* observer) { observer_ = observer; }
 
+  // From now on these controls stand on this one, which must live as long as they are used: a
+  // page's controls on the page, a group's on its frame. Their own properties stay what they are.
+  void Contain(std::initializer_list<Control*> parts) {
+    for (Control* part : parts) part->container_ = this;
+  }
+
   bool Enabled() const { return enabled_; }
   void SetEnabled(bool enabled) { Change(enabled_, enabled); }
   bool Visible() const { return visible_; }
@@ -46,7 +53,10 @@ class Control {
   Control() = default;
 
   // Whether the user can reach the control.
-  bool TakesInput() const { return enabled_ && visible_; }
+  bool TakesInput() const {
+    const bool by_itself = enabled_ && visible_;
+    return by_itself && (container_ == nullptr || container_->TakesInput());
+  }
 
   // Gives a property a value and tells the observer if that made a difference.
   template <class Value>
@@ -63,6 +73,7 @@ class Control {
 
  private:
   Observer* observer_ = nullptr;
+  const Control* container_ = nullptr;
   bool enabled_ = true;
   bool visible_ = true;
   std::wstring tool_tip_;
@@ -81,8 +92,7 @@ class CaptionedControl : public Control {
 // A text that the user only reads. "&" has no meaning in it.
 class Label final : public CaptionedControl {};
 
-// A group of controls with an optional heading. Which controls are in it is the window's business;
-// hiding it hides them.
+// A group of controls, those that it contains, with an optional heading. Hiding it hides them.
 class Frame final : public CaptionedControl {};
 
 }  // namespace controls

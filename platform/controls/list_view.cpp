@@ -94,9 +94,7 @@ void ListView::Select(std::size_t index, bool selected) {
   if (TakesInput()) SetSelected(index, selected);
 }
 
-void ListView::PressKey(wchar_t key) {
-  if (TakesInput() && KeyPress) KeyPress(key);
-}
+bool ListView::PressKey(wchar_t key) { return TakesInput() && KeyPress && KeyPress(key); }
 
 template <class Value>
 void ListView::ChangeItem(std::size_t index, Value ListItem::*property, Value value) {

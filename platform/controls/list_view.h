@@ -80,12 +80,13 @@ class ListView final : public Control {
   void EnsureVisible(std::size_t index);
 
   // What the user does. A click on a check box is an event, selecting is none. A key press is given
-  // to the page before the window makes anything of it.
+  // to the page before the window makes anything of it: where KeyPress, and so PressKey, is true,
+  // the page has dealt with the key, and the window must leave it alone.
   std::function<void(std::size_t index)> ItemCheck;
-  std::function<void(wchar_t key)> KeyPress;
+  std::function<bool(wchar_t key)> KeyPress;
   void Check(std::size_t index, bool checked);
   void Select(std::size_t index, bool selected);
-  void PressKey(wchar_t key);
+  bool PressKey(wchar_t key);
 
  private:
   ListItem& At(std::size_t index);

@@ -7,8 +7,11 @@ namespace files {
 
 // Copies `source` over `target`, which may exist; a link is followed to the file that it leads to.
 // The target is the old file or the new one at every moment (platform/files/temporary_neighbour.h),
-// and is locked against other owners until the new one is in place. The source may be open, here or
-// elsewhere, and stays locked by whom it was; nobody keeps others from changing it meanwhile.
+// and is locked against other owners until the new one is in place; on Windows only where an open
+// file can be renamed over another: NTFS on Windows 10 1607 or newer does that, FAT, exFAT and many
+// network shares do not. There the lock ends just before the renaming: whoever opens the target in
+// between makes the copy fail. The source may be open, here or elsewhere, and stays locked by whom
+// it was; nobody keeps others from changing it meanwhile.
 //
 // Throws text::RuntimeError, with the target as it was: 53 or 76 when the source is missing or the
 // target's folder is; 70 when either may not be opened, somebody holds the target, or both are the

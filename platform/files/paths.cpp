@@ -79,13 +79,17 @@ std::wstring ToText(const std::filesystem::path& path) {
 
 bool FileExists(const std::wstring& path) {
   std::error_code ignored;
-  const auto status = std::filesystem::status(ToPath(path), ignored);
-  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+  return std::filesystem::is_regular_file(ToPath(path), ignored);
 }
 
 bool FolderExists(const std::wstring& path) {
   std::error_code ignored;
   return std::filesystem::is_directory(ToPath(path), ignored);
+}
+
+bool IsSameFile(const std::wstring& left, const std::wstring& right) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(ToPath(left), ToPath(right), ignored);
 }
 
 std::uint64_t FileSize(const std::wstring& path) {

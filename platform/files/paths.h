@@ -23,10 +23,14 @@ constexpr bool IsSeparator(wchar_t character) {
   return character == L'\\' || character == Separator();
 }
 
-// True when there is a file (not a folder), or a folder, that this process may look at. Never
-// throw.
+// True when there is a file (no folder, device or pipe, which could be read for ever), or a folder,
+// that this process may look at. Never throw.
 bool FileExists(const std::wstring& path);
 bool FolderExists(const std::wstring& path);
+
+// True when both paths lead to one file that exists, over links and by whatever names. Never
+// throws.
+bool IsSameFile(const std::wstring& left, const std::wstring& right);
 
 // The size in bytes. Throws the RuntimeError of files/file_error.h when there is no such file.
 std::uint64_t FileSize(const std::wstring& path);

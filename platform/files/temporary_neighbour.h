@@ -28,8 +28,9 @@ class TemporaryNeighbour {
 
   // Hands everything to the disk and puts the neighbour in the target's place, with the access
   // rights of `rights_of` where the system keeps them in the file (Windows: those of the folder).
-  // `target_lock` is the caller's lock on the target; it is held until the step is done. Throws as
-  // Write does, or 70 when the target cannot be replaced; the target is then as it was.
+  // `target_lock` is the caller's lock on the target; it is held until the step is done, except on
+  // the Windows file systems that platform/files/file_copy.h tells of. Throws as Write does, or 70
+  // when the target cannot be replaced; the target is then as it was.
   void MoveOver(FileLock target_lock, const std::filesystem::path& rights_of);
 
  private:

@@ -2,10 +2,9 @@
 // say.
 #include "app/modSharedRegistryFuncties.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "app/modGeneralFunctions.h"
-#include "app/modMain.h"
 #include "app/modShared.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/recording_prompt.h"
@@ -116,16 +115,29 @@ TEST_F(RegistryFunctiesTest, AFailureIsReportedOnceAndReadsAsAbsent) {
             L"Error = 321: Invalid file format: x");
 }
 
-TEST_F(RegistryFunctiesTest, MachineSettingsFillTheSharedRecord) {
-  GetOrvRegistrySettings();
-  EXPECT_EQ(m_shared.strLanguageFile, L"");
-  EXPECT_EQ(m_shared.strWelcomeText, L"");
-  constexpr wchar_t kMachineKey[] = L"Software\\Velkor Software\\Orvane\\3.2\\Settings\\";
-  Store(RootKey::kLocalMachine, kMachineKey, L"PAPUPDATERLANGUAGE", 5U);
-  Store(RootKey::kLocalMachine, kMachineKey, L"PAPUPDATERWELCOME", L"C:\\welcome.txt");
-  GetOrvRegistrySettings();
-  EXPECT_EQ(m_shared.strLanguageFile, L"005");
-  EXPECT_EQ(m_shared.strWelcomeText, L"C:\\welcome.txt");
+// Before the version is known the key would be the host product's own.
+TEST_F(RegistryFunctiesTest, WithoutAVersionNothingIsReadOrWrittenAndTheReportNamesTheSetting) {
+  m_shared.strVersionSubKey.clear();
+  Store(RootKey::kCurrentUser, L"Software\\Velkor Software\\Orvane\\", L"Backup", L"False");
+  const auto before = m_registry.values;
+  EXPECT_EQ(CurrentUser_HaalOp(L"Sub", L"Path", L"default"), L"default");
+  CurrentUser_BrengWeg(L"Sub", L"Path", L"new");
+  CurrentUser_BrengWegBoolean(L"", L"Backup", true);
+  EXPECT_TRUE(CurrentUser_HaalOpBoolean(L"", L"Backup", L"True"));
+  EXPECT_EQ(m_registry.values, before);
+
+  const auto report = [](const std::wstring& vProcedure, const std::wstring& vSetting) {
+    return L"\r\n\r\nProcedure = modSharedRegistryFuncties." + vProcedure + L"\r\n" + vSetting +
+           L"\r\nError = 5: Invalid procedure call or argument";
+  };
+  const std::wstring path = L"Map: Sub\r\nKey: Path";
+  const std::wstring backup = L"Map: \r\nKey: Backup";
+  std::vector<std::wstring> shown;
+  for (const auto& message : m_prompt.messages) shown.push_back(message.text);
+  EXPECT_THAT(shown, testing::ElementsAre(report(L"CurrentUser_HaalOp (Function)", path),
+                                          report(L"CurrentUser_BrengWeg (Sub)", path),
+                                          report(L"CurrentUser_BrengWeg (Sub)", backup),
+                                          report(L"CurrentUser_HaalOp (Function)", backup)));
 }
 
 }  // namespace

@@ -154,6 +154,34 @@ TEST_F(ApplyCommandTest, ALogThatCannotBeWrittenIsToldAndMissed) {
   EXPECT_THAT(outcome.err, HasSubstr("Procedure = StartLog"));
 }
 
+// The log is begun over, so it must not be one of the files that matter, by whatever name.
+TEST_F(ApplyCommandTest, ALogOverAProductTableOrAnUpdateIsRefused) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  folder.Write("other.Pt", "another product table");
+  const std::string before = test_support::ReadAll(folder / "Orv.pt");
+  std::filesystem::create_hard_link(folder / "Orv.pt", folder / "table.log");
+  std::filesystem::create_hard_link(folder / "good.PRC", folder / "update.log");
+  std::vector<std::string> logs = {"Orv.pt",    "good.PRC",   "other.Pt",     "new.pt",
+                                   "table.log", "update.log", "./x/../Orv.pt"};
+#ifndef _WIN32
+  std::filesystem::create_symlink(folder / "other.Pt", folder / "link.log");
+  logs.emplace_back("link.log");
+#endif
+  for (const std::string& log : logs) {
+    SCOPED_TRACE(log);
+    const ProgramOutcome outcome =
+        Run({"apply", "--table", table, "--log", Path(log), Path("good.PRC")});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(outcome.err, HasSubstr("log"));
+  }
+  EXPECT_EQ(test_support::ReadAll(folder / "Orv.pt"), before);
+  EXPECT_EQ(test_support::ReadAll(folder / "good.PRC"), kGood);
+  EXPECT_EQ(test_support::ReadAll(folder / "other.Pt"), "another product table");
+  EXPECT_FALSE(std::filesystem::exists(folder / "new.pt"));
+}
+
 TEST_F(ApplyCommandTest, LanguageFileMustBeOne) {
   const std::string table = MakeProductTable();
   folder.Write("good.PRC", kGood);

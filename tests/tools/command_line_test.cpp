@@ -46,6 +46,11 @@ TEST_F(CommandLineTest, WrongUsageIsRefusedWithTwo) {
       {{"apply", "--table", "x"}, "PRC is required"},
       {{"processed"}, "--table is required"},
       {{"demo"}, "DIR is required"},
+      {{"demo", ""}, "DIR: an empty text is no path"},
+      {{"show", ""}, "PRC: an empty text is no path"},
+      {{"tables", "--table", ""}, "--table: an empty text is no path"},
+      {{"apply", "--table", "x", ""}, "PRC: an empty text is no path"},
+      {{"apply", "--table", "x", "--log", "", "y.PRC"}, "--log: an empty text is no path"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.arguments));

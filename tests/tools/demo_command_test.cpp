@@ -64,6 +64,10 @@ TEST_F(DemoCommandTest, RunsByItself) {
   EXPECT_EQ(settings.Find(L"HKEY_CURRENT_USER\\Software\\Velkor Software\\Orvane\\3.2\\PAP32",
                           L"DelFilesSP1"),
             registry::Value(std::wstring(L"True")));
+  EXPECT_EQ(settings.Find(L"HKEY_LOCAL_MACHINE\\Software\\Velkor Software\\Orvane\\3.2\\Settings",
+                          L"PAPUPDATERWELCOME"),
+            registry::Value(std::wstring(L"welkom.txt")))
+      << "found wherever the folder is carried";
 }
 
 TEST_F(DemoCommandTest, OverwritesAProductTableOnlyWhenForced) {

@@ -167,7 +167,10 @@ TEST_F(usrImportBadInputTest, AnyProductTablePathIsUpdated) {
 TEST_F(usrImportBadInputTest, CodesThatAreNoFileNameMakeNoBackup) {
   clsOrvPap& update = Add(L"update.PRC");
   update.SupplierDescription = L"First";
-  for (const std::wstring& code : {std::wstring(L"no/where/at:all"), std::wstring(400, L'z')}) {
+  std::filesystem::create_directory(folder / "BEAMS_sub");
+  for (const std::wstring& code :
+       {std::wstring(L"no/where/at:all"), std::wstring(L"sub/x"), std::wstring(L"sub\\x"),
+        std::wstring(L"x:stream"), std::wstring(400, L'z')}) {
     update.PrcDate = 0;
     update.AssortmentCode = L"BEAMS";
     const std::wstring before = update.SupplierCode;
@@ -181,6 +184,54 @@ TEST_F(usrImportBadInputTest, CodesThatAreNoFileNameMakeNoBackup) {
       files += entry.is_regular_file() ? 1 : 0;
     }
     EXPECT_EQ(files, 1U) << "the product table";
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder / "BEAMS_sub"));
+}
+
+// An update that somebody sent must not overwrite what lies elsewhere.
+TEST_F(usrImportBadInputTest, ABackupStaysBesideTheProductTable) {
+  clsOrvPap& update = Add(L"update.PRC");
+  const auto elsewhere = folder.Write("elsewhere/zz_S1_20260105.pt", "somebody else's");
+  const auto table = folder / "data/Orv.pt";
+  std::filesystem::create_directory(folder / "data");
+  std::filesystem::copy_file(files::ToPath(product_table), table);
+  for (const std::wstring& way : {std::wstring(L"../elsewhere/"), std::wstring(L"..\\elsewhere\\"),
+                                  folder.Text("elsewhere/")}) {
+    update.AssortmentCode = way + L"zz";
+    page.StartImport(files::ToText(table), updates, true);
+    EXPECT_THAT(Listed().front(), HasSubstr("zz_S1_20260105.pt"));
+  }
+  EXPECT_EQ(ReadAll(elsewhere), "somebody else's");
+  for (const auto& entry : std::filesystem::directory_iterator(folder / "data")) {
+    EXPECT_EQ(entry.path(), table);
+  }
+}
+
+TEST_F(usrImportBadInputTest, AProductTableWithoutAFolderIsBackedUpBesideItself) {
+  Add(L"update.PRC");
+  const std::string before = ReadAll(files::ToPath(product_table));
+  const auto started_in = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  const bool done = page.StartImport(L"Orv.pt", updates, true);
+  std::filesystem::current_path(started_in);
+  EXPECT_TRUE(done);
+  EXPECT_EQ(Listed().front(), BackupLine());
+  EXPECT_EQ(ReadAll(backup), before);
+}
+
+// The log is begun over: by whatever name, it must not be a file of this run.
+TEST_F(usrImportBadInputTest, ALogOverAFileOfTheRunIsRefused) {
+  const clsOrvPap& update = Add(L"update.PRC");
+  const auto table = files::ToPath(product_table);
+  for (const auto& file : {table, files::ToPath(update.FilePath)}) {
+    const std::string before = ReadAll(file);
+    std::filesystem::create_hard_link(file, log);
+    EXPECT_FALSE(Start(true));
+    EXPECT_THAT(Boxes(), ElementsAre(AllOf(HasSubstr("usrImport.StartImport (Function)"),
+                                           HasSubstr("Error = 70: "))));
+    EXPECT_EQ(ReadAll(file), before);
+    EXPECT_FALSE(std::filesystem::exists(backup));
+    std::filesystem::remove(log);
   }
 }
 

@@ -128,14 +128,20 @@ TEST_F(usrSelectPapTest, ChecksDecideWhatIsSelectedAndWhetherTheUserMayGoOn) {
   next.clear();
   page.lvPrc.Select(1, true);
   page.lvPrc.Select(2, true);
-  page.lvPrc.PressKey(L'x');
+  EXPECT_FALSE(page.lvPrc.PressKey(L'x'));
   EXPECT_THAT(next, IsEmpty());
-  page.lvPrc.PressKey(L' ');
+  EXPECT_TRUE(page.lvPrc.PressKey(L' ')) << "or the list would toggle the item in focus again";
   EXPECT_THAT(SelectedNames(), ElementsAre(L"4.PRC"));
   page.lvPrc.Select(1, false);
   page.lvPrc.PressKey(L' ');
   EXPECT_THAT(SelectedNames(), IsEmpty());
   EXPECT_THAT(next, ElementsAre(true, false));
+
+  page.SetVisible(false);
+  page.lvPrc.Check(0, true);
+  EXPECT_FALSE(page.lvPrc.PressKey(L' '));
+  EXPECT_THAT(SelectedNames(), IsEmpty()) << "on a page that is hidden";
+  page.SetVisible(true);
 
   // The list keeps its updates when another scan finds others.
   page.lvPrc.Check(0, true);
@@ -194,7 +200,9 @@ TEST_F(usrSelectPapTest, AFileThatCannotBeReadEndsTheScan) {
   Init();
   const std::filesystem::path file = folder / "PAP32" / "2.PRC";
   const auto expect_reported = [&](const wchar_t* vNumber) {
+    step_text = L"of the page before";
     Init();
+    EXPECT_EQ(step_text, L"#41 #10");
     EXPECT_THAT(Keys(), IsEmpty());
     EXPECT_THAT(next, ElementsAre(false));
     ASSERT_EQ(prompt.messages.size(), 1U);

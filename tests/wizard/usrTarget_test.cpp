@@ -73,6 +73,19 @@ TEST_F(usrTargetTest, EveryVisitLetsTheUserGoOnAndKeepsWhatWasTyped) {
   EXPECT_FALSE(page.MakeBackup());
 }
 
+TEST_F(usrTargetTest, AHiddenPageTakesNothing) {
+  page.Init();
+  page.txt_PTLocation.Type(L"typed.pt");
+  page.SetVisible(false);
+  page.txt_PTLocation.Type(L"typed blindly.pt");
+  page.cmdReset.Press();
+  page.cmdSelPT.Press();
+  page.chkBackup.Toggle();
+  EXPECT_EQ(page.ptLocation(), L"typed.pt");
+  EXPECT_TRUE(page.MakeBackup());
+  EXPECT_TRUE(dialog.requests.empty());
+}
+
 TEST_F(usrTargetTest, ResetTakesTheHostProductsAndNotTheStoredOne) {
   Store(L"PTLocation", L"stored.pt");
   page.Init();
@@ -117,7 +130,13 @@ TEST_F(usrTargetTest, AnUnreadableRegistryStillLeavesAPage) {
   EXPECT_THAT(heard, ElementsAre(L"#42 #10", L"on"));
   EXPECT_THAT(page.ptLocation(), testing::EndsWith(L"Orv.pt"));
   EXPECT_TRUE(page.MakeBackup());
-  EXPECT_FALSE(prompt.messages.empty());
+  using Shown = test_support::RecordingPrompt::Shown;
+  const Shown box = {
+      L"#104\r\n\r\nProcedure = modSharedRegistryFuncties.fGetstring (Function)\r\n"
+      L"Error = 321: Invalid file format",
+      L"Title"};
+  EXPECT_THAT(prompt.messages, ElementsAre(box, box, box, box))
+      << "the user's product table and the machine's, PTLocation, Backup";
 }
 
 }  // namespace

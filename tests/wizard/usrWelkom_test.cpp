@@ -63,6 +63,38 @@ TEST_F(usrWelkomTest, AMissingFileIsNoError) {
   EXPECT_TRUE(prompt.messages.empty());
 }
 
+TEST_F(usrWelkomTest, ARelativePathStartsFromTheProgramsFolder) {
+  folder.Write("program/texts/welcome.txt", "Welcome\r\nto this\r\n");
+  settings.strProgramFolder = folder.Text("program");
+  settings.strWelcomeText = L"texts/welcome.txt";
+  page.Init();
+  EXPECT_EQ(page.Text1.Text(), L"to this\r\n");
+  settings.strWelcomeText = L"elsewhere.txt";
+  page.Init();
+  EXPECT_EQ(page.Text1.Text(), L"#5 elsewhere.txt") << "as the setting has it";
+}
+
+// A setting can name anything: what never ends, or would fill the memory, must not be read.
+TEST_F(usrWelkomTest, OnlyAFileOfReasonableSizeIsRead) {
+#ifndef _WIN32
+  settings.strWelcomeText = L"/dev/zero";
+  page.Init();
+  EXPECT_EQ(page.Text1.Text(), L"#5 /dev/zero");
+#endif
+  constexpr std::size_t kMost = 1024 * 1024;
+  const auto path = folder.Write("welcome.txt", "Welcome\r\n" + std::string(kMost - 9, 'x'));
+  settings.strWelcomeText = files::ToText(path);
+  page.Init();
+  EXPECT_EQ(page.Text1.Text().size(), kMost - 9 + 2);
+  std::filesystem::resize_file(path, kMost + 1);
+  heard.clear();
+  page.Init();
+  EXPECT_THAT(heard, testing::ElementsAre(L"on"));
+  ASSERT_EQ(prompt.messages.size(), 1U);
+  EXPECT_THAT(prompt.messages[0].text,
+              testing::EndsWith(L"Error = 7: Out of memory: '" + settings.strWelcomeText + L"'"));
+}
+
 TEST_F(usrWelkomTest, AFileThatEndsTooSoonIsReportedAndTheUserGoesOn) {
   page.Text1.SetText(L"as it was");
   for (const char* file : {"", "Welcome", "Welcome\r\n", " "}) {
@@ -74,7 +106,9 @@ TEST_F(usrWelkomTest, AFileThatEndsTooSoonIsReportedAndTheUserGoesOn) {
     EXPECT_EQ(page.Text1.Text(), L"as it was");
     ASSERT_EQ(prompt.messages.size(), 1U);
     EXPECT_THAT(prompt.messages[0].text,
-                testing::HasSubstr(L"Procedure = usrWelkom.LadenWelkomText (Sub)\r\nError = 62: "));
+                testing::AllOf(testing::HasSubstr(L"Procedure = usrWelkom.LadenWelkomText (Sub)\r\n"
+                                                  L"Error = 62: "),
+                               testing::EndsWith(L"'" + settings.strWelcomeText + L"'")));
   }
 }
 

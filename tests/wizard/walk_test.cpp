@@ -1,15 +1,19 @@
-// Select and import page over a demo installation: three updates, the second of which fails in one
-// record. List, log, register, backups and product table together.
+// The pages over a demo installation, on one record of settings: from the welcome to the finish;
+// and three updates, the second of which fails in one record, with list, log, register, backups and
+// product table together.
 #include <gmock/gmock.h>
 
 #include <filesystem>
 
 #include "app/modGeneralFunctions.h"
+#include "app/modMain.h"
+#include "app/modSharedRegistryFuncties.h"
 #include "demo/installation.h"
 #include "platform/database/database_engine.h"
 #include "platform/database/recordset.h"
 #include "platform/files/paths.h"
 #include "platform/language/language_provider.h"
+#include "platform/registry/reg_file.h"
 #include "platform/text/code_page.h"
 #include "platform/text/date.h"
 #include "store/modProductTable.h"
@@ -17,9 +21,13 @@
 #include "tests/support/memory_registry.h"
 #include "tests/support/surface_test.h"
 #include "updates/modSharedPap.h"
+#include "updates/modSharedPapFolder.h"
 #include "updates/modSharedPapRegister.h"
 #include "wizard/usrImport.h"
+#include "wizard/usrPapProcessed.h"
 #include "wizard/usrSelectPap.h"
+#include "wizard/usrTarget.h"
+#include "wizard/usrWelkom.h"
 
 namespace {
 
@@ -61,11 +69,18 @@ class WalkTest : public test_support::SurfaceTest {
     const fs::path program = folder.Write("bin/program", "");
     fs::copy(ORVPAP_LANG_FOLDER, folder / "bin/lang", fs::copy_options::recursive);
     demo::MakeInstallation(installation, program);
-    settings.objLanguage = &english;
     settings.objClock = &clock;
     settings.objRegistry = &registry;
     settings.strProgramFolder = files::ToText(installation);
-    english.LoadLanguageFile(L"english.lng");
+    // The installation's own settings, but for the language.
+    const registry::RegFile file(test_support::ReadAll(installation / demo::kRegistryFile));
+    const std::wstring root = L"HKEY_LOCAL_MACHINE\\";
+    const auto setting = [this](const wchar_t* vName) -> registry::Value& {
+      return registry.values[{registry::RootKey::kLocalMachine, kSettingsKey, vName}];
+    };
+    setting(L"PAPUPDATERLANGUAGE") = L"english.lng";
+    setting(L"PAPUPDATERWELCOME") = file.Find(root + kSettingsKey, L"PAPUPDATERWELCOME").value();
+    EXPECT_TRUE(PrepareWizard(language));
   }
 
   // What the select page offers, a line an item: "x" when checked, "-" when in grey, the rest.
@@ -76,6 +91,18 @@ class WalkTest : public test_support::SurfaceTest {
                       (item.colour == controls::kGrayText ? "-" : " ") +
                       text::WideToUtf8(item.text) + "|" + text::WideToUtf8(item.sub_items.at(0)) +
                       "|" + text::WideToUtf8(item.sub_items.at(1)));
+    }
+    return lines;
+  }
+
+  // The wizard's page of processed updates, a line an item.
+  std::vector<std::string> ShownRegister(const std::wstring& vPath) {
+    usrPapProcessed processed_page;
+    processed_page.Init(vPath);
+    std::vector<std::string> lines;
+    for (const controls::ListItem& item : processed_page.lvPrc.Items()) {
+      lines.push_back(text::WideToUtf8(item.text + L"|" + item.sub_items.at(0) + L"|" +
+                                       item.sub_items.at(1) + L"|" + item.sub_items.at(2)));
     }
     return lines;
   }
@@ -102,12 +129,75 @@ class WalkTest : public test_support::SurfaceTest {
 
   const fs::path installation = folder / "demo";
   const fs::path table = installation / demo::kProductTableFile;
-  language::FileLanguageProvider english{folder / "bin"};
+  language::FileLanguageProvider language{folder / "bin"};
   test_support::FixedClock clock{kNoon};
   test_support::MemoryRegistry registry;
   usrSelectPap select_page;
   usrImport page;
 };
+
+// What the user sees from the first page to the last, and finds again the next time.
+TEST_F(WalkTest, FromTheWelcomeToTheFinishAndBackAnotherDay) {
+  std::vector<std::string> heard;
+  const auto listen_to = [&heard](auto& vPage) {
+    vPage.SetStepText = [&heard](const std::wstring& v) { heard.push_back(text::WideToUtf8(v)); };
+    vPage.AanzettenVolgende = [&heard](bool vAan) {
+      heard.emplace_back(vAan ? "next" : "no next");
+    };
+  };
+  const std::string go_on = " - click Next to continue";
+
+  usrWelkom welcome;
+  listen_to(welcome);
+  welcome.Init();
+  EXPECT_THAT(heard, ElementsAre("Welkom bij de demo-installatie" + go_on, "next"));
+  EXPECT_THAT(text::WideToUtf8(welcome.Text1.Text()), testing::StartsWith("Met deze wizard"));
+
+  heard.clear();
+  usrTarget target;
+  listen_to(target);
+  target.Init();
+  EXPECT_THAT(heard, ElementsAre(testing::EndsWith(go_on), "next"));
+  EXPECT_EQ(files::ToPath(target.ptLocation()), table) << "beside the program";
+  EXPECT_TRUE(target.MakeBackup());
+  target.chkBackup.Toggle();
+
+  EXPECT_TRUE(OpenProductTable(target.ptLocation()));
+  EXPECT_THAT(ShownRegister(target.ptLocation()), IsEmpty());
+
+  // Two of the five have faults.
+  listen_to(select_page);
+  select_page.Init(target.ptLocation());
+  ASSERT_EQ(Offered().size(), 5U);
+  heard.clear();
+  for (const std::size_t faulty : {3U, 4U}) select_page.lvPrc.Check(faulty, false);
+  EXPECT_THAT(heard, ElementsAre("next", "next"));
+  ASSERT_EQ(select_page.SelectedPAP().size(), 3U);
+  EXPECT_TRUE(
+      page.StartImport(target.ptLocation(), select_page.SelectedPAP(), target.MakeBackup()));
+  const auto imported = Contents(table);
+
+  // The finish: the product table is compacted, for which nobody may have it open any more.
+  const std::wstring compacted = target.ptLocation() + L"_tmp";
+  database::DBEngine().CompactDatabase(target.ptLocation(), compacted, L";pwd=quorbelintax");
+  EXPECT_TRUE(CopyPapFile(compacted, target.ptLocation()));
+  CurrentUser_BrengWeg(L"", L"PTLocation", target.ptLocation());
+  CurrentUser_BrengWegBoolean(L"", L"Backup", target.MakeBackup());
+  EXPECT_EQ(Contents(table), imported);
+
+  usrTarget another_day;
+  another_day.Init();
+  EXPECT_EQ(another_day.ptLocation(), target.ptLocation());
+  EXPECT_FALSE(another_day.MakeBackup());
+  EXPECT_THAT(ShownRegister(another_day.ptLocation()),
+              ElementsAre("2004-03-15|Plaatstaal|Veldhaven Staalservice|2026-02-28 12:00",
+                          "2026-01-05|Balken en profielen|Veldhaven Staalservice|2026-02-28 12:00",
+                          "2026-02-02|Buizen en kokers|Brugmeer Metaal en Buis|2026-02-28 12:00"));
+  usrSelectPap select_again;
+  select_again.Init(another_day.ptLocation());
+  EXPECT_EQ(select_again.SelectedPAP().size(), 2U) << "those with faults";
+  EXPECT_THAT(prompt.messages, IsEmpty());
+}
 
 TEST_F(WalkTest, ThreeUpdatesTheSecondOfWhichFailsInOneRecord) {
   // In the order of the folder, the update with one fault comes second.

@@ -1,10 +1,13 @@
 // paptool apply: does with price updates what the wizard's import page does.
 #include <CLI/CLI.hpp>
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <system_error>
 #include <vector>
 
+#include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
 #include "engine/clsOrvPap.h"
 #include "platform/files/paths.h"
@@ -12,6 +15,7 @@
 #include "platform/language/language_provider.h"
 #include "platform/text/code_page.h"
 #include "platform/text/runtime_error.h"
+#include "platform/text/strings.h"
 #include "store/modProductTable.h"
 #include "tools/paptool/commands.h"
 #include "tools/paptool/console.h"
@@ -24,6 +28,8 @@
 
 namespace paptool {
 namespace {
+
+constexpr wchar_t kProductTableExtension[] = L"PT";
 
 struct ApplyOptions {
   ProductTableOptions product_table;
@@ -55,6 +61,23 @@ bool LoadLanguage(language::LanguageProvider& provider, const std::string& file)
                     L": name a file, or one of the folder lang such as english.lng.");
       return false;
   }
+}
+
+// Why the log must not be begun at `log`, which loses what is there; nothing when it may. Product
+// tables and updates are recognised by their names, and the files of this run whatever their names.
+std::optional<std::wstring> UnusableLog(const std::wstring& log,
+                                        const std::vector<std::wstring>& files_in_use) {
+  std::error_code ignored;
+  const auto target = std::filesystem::weakly_canonical(files::ToPath(log), ignored);
+  for (const std::wstring& path : {log, files::ToText(target)}) {
+    if (IsPapFile(path) || text::ToUpper(GetExtension(path)) == kProductTableExtension) {
+      return L"that is no name for a log, a product table or a price update has such a one: " + log;
+    }
+  }
+  for (const std::wstring& file : files_in_use) {
+    if (files::IsSameFile(log, file)) return L"the log would overwrite " + file;
+  }
+  return std::nullopt;
 }
 
 // Why an update cannot be applied at all; nothing when it can. Fills its header.
@@ -114,22 +137,28 @@ int Apply(const ApplyOptions& options) {
   const SharedSettingsScope scope(settings);
   if (!LoadLanguage(texts, options.language)) return kWrongUsage;
 
+  const std::wstring product_table = options.product_table.AbsolutePath();
+  std::vector<std::wstring> files_in_use = {product_table};
   std::vector<std::shared_ptr<clsOrvPap>> updates;
   for (const std::string& file : options.updates) {
+    files_in_use.push_back(AbsolutePath(file));
     updates.push_back(std::make_shared<clsOrvPap>());
-    if (const auto reason = Unusable(AbsolutePath(file), *updates.back())) {
+    if (const auto reason = Unusable(files_in_use.back(), *updates.back())) {
       PrintError(*reason);
       return kWrongUsage;
     }
     WarnOfEndlessLines(updates.back()->FilePath);
+  }
+  if (const auto reason = UnusableLog(settings.strLogFile, files_in_use)) {
+    PrintError(*reason);
+    return kWrongUsage;
   }
 
   ProductTablePassword = text::Utf8ToWide(options.product_table.password);
   usrImport page;
   ListPrinter printer(page.lvResults);
   settings.objEventPump = &printer;
-  const bool done =
-      page.StartImport(options.product_table.AbsolutePath(), updates, !options.no_backup);
+  const bool done = page.StartImport(product_table, updates, !options.no_backup);
   for (const std::wstring& backup : page.FailedBackups()) {
     PrintError(L"this backup could not be made: " + backup);
   }
@@ -148,6 +177,7 @@ void AddApplyCommand(CLI::App& app, Work& work) {
   command->add_flag("--no-backup", options->no_backup,
                     "Make no copy of the product table before each update");
   command->add_option("--log", options->log, "Where to write the log of all messages")
+      ->check(PathProblem)
       ->type_name("FILE")
       ->capture_default_str();
   command
@@ -155,7 +185,8 @@ void AddApplyCommand(CLI::App& app, Work& work) {
                    "A language file, or the name of one in the folder lang; Dutch without it")
       ->type_name("FILE");
   command->add_option("PRC", options->updates, "The update files, applied in this order")
-      ->required();
+      ->required()
+      ->check(PathProblem);
   command->footer(
       "Prints a line a message: message, tab, detail. A line that begins with \"! \" is an error,\n"
       "such as a record that was refused. Then, or when an update was not applied whole (which\n"

@@ -59,7 +59,8 @@ void AddDemoCommand(CLI::App& app, Work& work) {
       "demo", "Make a demo installation: product table, update files, settings, texts");
   auto options = std::make_shared<DemoOptions>();
   command->add_option("DIR", options->folder, "The folder; it is made where it is missing")
-      ->required();
+      ->required()
+      ->check(PathProblem);
   command->add_flag("--force", options->force,
                     "Replace a product table that is in the folder already");
   command->footer("Puts this program there too, so that the folder runs by itself.");

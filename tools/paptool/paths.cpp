@@ -8,6 +8,10 @@
 
 namespace paptool {
 
+std::string PathProblem(const std::string& utf8) {
+  return utf8.empty() ? "an empty text is no path" : "";
+}
+
 std::wstring AbsolutePath(const std::string& utf8) {
   const std::filesystem::path given = files::ToPath(text::Utf8ToWide(utf8));
   return files::ToText(std::filesystem::absolute(given).lexically_normal());

@@ -19,6 +19,7 @@ std::wstring ProductTableOptions::AbsolutePath() const { return paptool::Absolut
 void AddProductTableOptions(CLI::App& command, ProductTableOptions& options) {
   command.add_option("--table", options.table, "The product table, a .pt file")
       ->required()
+      ->check(PathProblem)
       ->type_name("PT");
   command
       .add_option("--password", options.password,

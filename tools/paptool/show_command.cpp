@@ -67,7 +67,7 @@ int Show(const std::vector<std::string>& files) {
 void AddShowCommand(CLI::App& app, Work& work) {
   CLI::App* command = app.add_subcommand("show", "Print what is in price-update files");
   auto files = std::make_shared<std::vector<std::string>>();
-  command->add_option("PRC", *files, "The update files")->required();
+  command->add_option("PRC", *files, "The update files")->required()->check(PathProblem);
   command->footer(
       "Prints the header, a line a section with its number of records, and the lines that no\n"
       "reader takes, each with its number and the reason. Nothing is changed.");

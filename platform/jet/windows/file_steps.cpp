@@ -4,7 +4,9 @@
 #include <windows.h>
 
 #include <string>
-#include <system_error>
+
+#include "platform/text/code_page.h"
+#include "platform/text/windows/error_text.h"
 
 namespace jet {
 namespace {
@@ -17,7 +19,7 @@ namespace {
     kind = ErrorKind::kDatabaseExists;
   else if (error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT)
     kind = ErrorKind::kCannotOpen;
-  throw Error(kind, {path.u16string()}, std::system_category().message(static_cast<int>(error)));
+  throw Error(kind, {path.u16string()}, text::WideToUtf8(text::SystemErrorText(error)));
 }
 
 }  // namespace

@@ -4,10 +4,11 @@
 #include <windows.h>
 
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "platform/jet/usage_map_format.h"
+#include "platform/text/code_page.h"
+#include "platform/text/windows/error_text.h"
 
 namespace jet {
 namespace {
@@ -43,9 +44,7 @@ class Handle {
   HANDLE value_;
 };
 
-std::string SystemText(DWORD error) {
-  return std::system_category().message(static_cast<int>(error));
-}
+std::string SystemText(DWORD error) { return text::WideToUtf8(text::SystemErrorText(error)); }
 
 [[noreturn]] void ThrowIo(DWORD error, PageNumber page = kNoPage) {
   const bool full = error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL ||

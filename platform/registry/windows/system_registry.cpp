@@ -4,13 +4,12 @@
 #include <array>
 #include <cstring>
 #include <span>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "platform/files/file_error.h"
 #include "platform/registry/registry.h"
-#include "platform/text/code_page.h"
+#include "platform/text/windows/error_text.h"
 
 namespace registry {
 namespace {
@@ -48,9 +47,9 @@ HKEY RootOf(RootKey root) {
   std::int32_t number = files::kDeviceIoError;
   if (error == ERROR_ACCESS_DENIED) number = files::kPermissionDenied;
   if (error == ERROR_DISK_FULL || error == ERROR_NO_SYSTEM_RESOURCES) number = files::kDiskFull;
-  const std::string reason = std::system_category().message(static_cast<int>(error));
+  const std::wstring reason = text::SystemErrorText(static_cast<std::uint32_t>(error));
   throw text::RuntimeError(number, files::FileError(number).description() + L": registry key '" +
-                                       key + L"' (" + text::Utf8ToWide(reason) + L")");
+                                       key + L"' (" + reason + L")");
 }
 
 bool MeansMissing(LSTATUS error) {

@@ -129,12 +129,16 @@ TEST_F(ListViewTest, OnlyTheUsersChecksAreEvents) {
 
 TEST_F(ListViewTest, KeysReachThePageWhileTheListIsReachable) {
   std::wstring pressed;
-  list.PressKey(L'x');
-  list.KeyPress = [&](wchar_t key) { pressed += key; };
-  list.PressKey(L' ');
+  EXPECT_FALSE(list.PressKey(L'x')) << "nobody dealt with it";
+  list.KeyPress = [&](wchar_t key) {
+    pressed += key;
+    return key == L' ';
+  };
+  EXPECT_TRUE(list.PressKey(L' ')) << "the window must leave it alone";
+  EXPECT_FALSE(list.PressKey(L'x'));
   list.SetVisible(false);
-  list.PressKey(L'y');
-  EXPECT_EQ(pressed, L" ");
+  EXPECT_FALSE(list.PressKey(L' '));
+  EXPECT_EQ(pressed, L" x");
 }
 
 // Adding 5,000 items is 5,000 notices, not a notice an item for each of the others.
