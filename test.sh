@@ -24,7 +24,7 @@ if [[ $preset == debug ]]; then
 fi
 cmake --preset "$preset"
 cmake --build --preset "$preset" -j "$(nproc)" --target "${targets[@]}"
-ctest --preset "$preset" "$@"
+"${without_proxy[@]}" ctest --preset "$preset" "$@"
 
 echo
 echo "Comparing with independent readers of the database file:"

@@ -52,6 +52,13 @@ void MakeUpdateFolder(const fs::path& folder) {
   WriteUpdates(files::ToText(path));
 }
 
+// For `paptool serve`, and so for the wizard's download page.
+void MakeServerFolder(const fs::path& folder) {
+  const fs::path path = folder / kServerFolder;
+  fs::create_directories(path);
+  WriteServerUpdates(files::ToText(path));
+}
+
 // The folder may be carried around: the welcome text is named without a folder, and ProductTable is
 // left out, so that the program takes both from beside itself.
 void WriteRegistry(const fs::path& folder) {
@@ -61,7 +68,7 @@ void WriteRegistry(const fs::path& folder) {
   registry.SetText(settings, L"PAPUPDATERLANGUAGE", L"dutch.lng");
   registry.SetText(settings, L"PAPUPDATERWELCOME", files::ToText(kWelcomeFile));
   registry.SetText(user, L"Backup", L"True");
-  registry.SetText(user, L"CheckInet", L"False");
+  registry.SetText(user, L"CheckInet", L"True");
   // Otherwise the first download step would clear the update folder, once.
   registry.SetText(user, L"DelFilesSP1", L"True");
 
@@ -102,6 +109,7 @@ void MakeInstallation(const fs::path& folder, const fs::path& program) {
   const fs::path absolute = fs::canonical(folder);
   CopyPrograms(absolute, program);
   MakeUpdateFolder(absolute);
+  MakeServerFolder(absolute);
   WriteRegistry(absolute);
   WriteWelcome(absolute);
   MakeProductTable(absolute);

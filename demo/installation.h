@@ -9,6 +9,7 @@ namespace demo {
 // The names in the folder.
 inline constexpr const char* kProductTableFile = "Orv.pt";
 inline constexpr const char* kUpdateFolder = "PAP32";
+inline constexpr const char* kServerFolder = "server";  // what its download server offers
 inline constexpr const char* kRegistryFile = "registry.reg";
 inline constexpr const char* kWelcomeFile = "welkom.txt";
 inline constexpr const char* kLanguageFolder = "lang";

@@ -322,4 +322,24 @@ std::vector<std::wstring> WriteUpdates(const std::wstring& folder) {
   };
 }
 
+std::vector<std::wstring> WriteServerUpdates(const std::wstring& folder) {
+  const Range profiles = Profiles();
+  const Range tubes = Tubes();
+  const Range stainless = StainlessTubes();
+  return {
+      Update(kVeldhaven, kProfiles, 2026, 3, 2)
+          .Remark(L"Tussentijdse prijsronde.")
+          .AddPrices(profiles, 1.07, kVeldhavenProfiles.code)
+          .Save(folder),
+      Update(kBrugmeer, kTubes, 2026, 3, 9)
+          .AddBasePrices(tubes, 1.71)
+          .AddPrices(tubes, 1.79, kBrugmeerTubes.code)
+          .Save(folder),
+      Update(kOostrand, kStainlessTubes, 2026, 3, 16)
+          .Remark(L"Legeringstoeslag verlaagd.")
+          .AddPrices(stainless, 4.98, kOostrandTubes.code)
+          .Save(folder),
+  };
+}
+
 }  // namespace demo

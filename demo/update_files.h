@@ -17,4 +17,8 @@ std::vector<std::wstring> WriteOpeningUpdates(const std::wstring& folder);
 // one with every section, and two with records that are refused.
 std::vector<std::wstring> WriteUpdates(const std::wstring& folder);
 
+// What the download server has beyond those: newer rounds, one of them for the supplier that the
+// price rounds bring.
+std::vector<std::wstring> WriteServerUpdates(const std::wstring& folder);
+
 }  // namespace demo

@@ -13,3 +13,9 @@ done
 if [[ -z ${ORVPAP_JETCHECK:-} && -f ${ORVPAP_SHARED:-}/jet/jetcheck.py ]]; then
   export ORVPAP_JETCHECK=$ORVPAP_SHARED/jet/jetcheck.py
 fi
+
+# Before a command: hides this machine's proxy, which would answer for servers that are not there.
+without_proxy=(env)
+for name in http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY; do
+  without_proxy+=(-u "$name")
+done

@@ -14,6 +14,9 @@ requirements() {
       echo "ninja ninja-build"
       echo "ccache ccache"
       echo "/usr/include/CLI/CLI.hpp libcli11-dev"
+      echo "curl-config libcurl4-openssl-dev"
+      echo "/usr/include/httplib.h libcpp-httplib-dev"
+      echo "pkg-config pkg-config"
       ;;
     test)
       echo "/usr/include/gtest/gtest.h libgtest-dev"
@@ -22,6 +25,8 @@ requirements() {
       echo "mdb-export mdbtools"
       echo "node nodejs"
       echo "npm npm"
+      echo "nginx nginx-light"
+      echo "openssl openssl"
       ;;
     lint)
       echo "git git"
@@ -37,6 +42,7 @@ requirements() {
     bench)
       echo "/usr/include/benchmark/benchmark.h libbenchmark-dev"
       echo "/usr/include/sqlite3.h libsqlite3-dev"
+      echo "curl curl"
       ;;
     fuzz)
       echo "clang++-14 clang-14"
@@ -49,8 +55,9 @@ requirements() {
   esac
 }
 
+# Servers lie where an ordinary user's shell does not look.
 is_there() {
-  if [[ $1 == /* ]]; then [[ -e $1 ]]; else command -v "$1" >/dev/null; fi
+  if [[ $1 == /* ]]; then [[ -e $1 ]]; else PATH=$PATH:/usr/sbin command -v "$1" >/dev/null; fi
 }
 
 [[ $# -gt 0 ]] || { echo "usage: install-dependencies.sh GROUP..." >&2; exit 2; }

@@ -1,10 +1,9 @@
 // Takes the header of a price-update file, line by line, into a price-update object.
 #include "updates/PapHeaderReader.h"
 
-#include "app/modGeneralFunctions.h"
-#include "platform/text/date.h"
 #include "platform/text/runtime_error.h"
 #include "platform/text/strings.h"
+#include "updates/PapDate.h"
 
 namespace {
 
@@ -15,18 +14,8 @@ const PapHeaderField* FindField(const std::wstring& vLine) {
   return nullptr;
 }
 
-// The number in the characters from `vStart` (from 0) on; a line that is too short gives 0.
-std::int32_t NumberIn(const std::wstring& vLine, std::size_t vStart, std::size_t vLength) {
-  return vStart < vLine.size() ? ExtractNumber(vLine.substr(vStart, vLength)) : 0;
-}
-
 // A damaged file may have a line of any length where a date belongs.
 constexpr std::size_t kShownOfADate = 20;
-
-// From yyyymmdd. Months and days outside their range roll over.
-double DateOf(const std::wstring& vLine) {
-  return text::DateSerial(NumberIn(vLine, 0, 4), NumberIn(vLine, 4, 2), NumberIn(vLine, 6, 2));
-}
 
 }  // namespace
 
@@ -50,7 +39,7 @@ bool PapHeaderReader::ReadLine(const std::wstring& vLine) {
 void PapHeaderReader::ReadValue(const std::wstring& vLine) {
   if (m_current->Date != nullptr) {
     try {
-      m_orvPap.*m_current->Date = DateOf(vLine);
+      m_orvPap.*m_current->Date = PapDateOf(vLine);
     } catch (const text::RuntimeError& error) {
       throw text::RuntimeError(error.number(),
                                error.description() + L" (" + std::wstring(m_current->Section) +

@@ -7,11 +7,7 @@
 #include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
 #include "app/modSharedRegistryFuncties.h"
-#include "platform/database/recordset.h"
 #include "platform/text/date.h"
-#include "platform/text/strings.h"
-#include "store/ProductTableSchema.h"
-#include "store/modProductTable.h"
 #include "updates/modSharedPapFolder.h"
 #include "updates/modSharedPapRegister.h"
 #include "wizard/PageSupport.h"
@@ -31,10 +27,6 @@ constexpr std::int32_t kRemarkColumn = 1004;
 
 constexpr wchar_t kShownOnce[] = L"ProcessedFilesSP1";
 
-std::wstring Pair(const std::wstring& vSupplierCode, const std::wstring& vAssortmentCode) {
-  return text::ToUpper(vSupplierCode + L"-" + vAssortmentCode);
-}
-
 }  // namespace
 
 usrSelectPap::usrSelectPap() {
@@ -51,7 +43,7 @@ void usrSelectPap::Init(const std::wstring& vPath) {
     m_paps.clear();
     GetProcessedCollection(vPath);
     ReadUpdates();
-    ReadPairs(vPath);
+    m_pairs = ReadPairs(vPath);
     FillList();
   } catch (...) {
     ShowErrorMessage(L"usrSelectPap.Init (Sub)");
@@ -77,7 +69,7 @@ std::vector<std::shared_ptr<clsOrvPap>> usrSelectPap::SelectedPAP() const {
   try {
     for (const controls::ListItem& item : lvPrc.Items()) {
       if (!item.checked) continue;
-      selected.push_back(m_paps.at(static_cast<std::size_t>(ExtractNumber(item.key)) - 1));
+      selected.push_back(m_paps.at(PositionOf(item.key)));
     }
   } catch (...) {
     ShowErrorMessage(L"usrSelectPap.SelectedPAP (Function)");
@@ -91,22 +83,6 @@ void usrSelectPap::ReadUpdates() {
   if (GetPapCollection(folder)) m_paps = *AvailablePaps;
 }
 
-void usrSelectPap::ReadPairs(const std::wstring& vPath) {
-  const ProductConnectionGuard guard;
-  m_pairs.clear();
-  if (!OpenProductTable(vPath)) return;
-  database::Recordset rows;
-  rows.Open(
-      L"SELECT Supplier.Code, Assortment.AssCode FROM Supplier INNER JOIN (Assortment INNER JOIN "
-      L"Ass_Suppl ON Assortment.AssNr = Ass_Suppl.fkAssNr) ON Supplier.ID = "
-      L"Ass_Suppl.fkSupplierID;",
-      *ProductConnection->Connection, database::CursorType::kStatic, database::LockType::kReadOnly);
-  for (; !rows.Eof(); rows.MoveNext()) {
-    m_pairs.insert(Pair(NullToString(rows(ProductTable::Supplier::kCode).Value()),
-                        NullToString(rows(ProductTable::Assortment::kAssCode).Value())));
-  }
-}
-
 void usrSelectPap::FillList() {
   const bool shown_once = CurrentUser_HaalOpBoolean(L"", kShownOnce, L"FALSE");
   const std::wstring step_text = StepText(LanguageText(SelectTexts::kTitle));
@@ -114,7 +90,7 @@ void usrSelectPap::FillList() {
   std::size_t position = 0;
   for (const auto& pap : m_paps) {
     ++position;
-    if (m_pairs.contains(Pair(pap->SupplierCode, pap->AssortmentCode))) AddUpdate(*pap, position);
+    if (m_pairs.contains(PairOf(pap->SupplierCode, pap->AssortmentCode))) AddUpdate(*pap, position);
     DoEvents();
   }
   if (!shown_once) CurrentUser_BrengWegBoolean(L"", kShownOnce, true);

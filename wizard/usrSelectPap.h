@@ -38,7 +38,6 @@ class usrSelectPap final : public controls::Control {
 
  private:
   void ReadUpdates();
-  void ReadPairs(const std::wstring& vPath);
   void FillList();
   void AddUpdate(const clsOrvPap& vPap, std::size_t vPosition);
   bool AnyChecked() const;
@@ -46,5 +45,5 @@ class usrSelectPap final : public controls::Control {
   bool lvPrc_KeyPress(wchar_t vKey);  // whether that was all to do
 
   std::vector<std::shared_ptr<clsOrvPap>> m_paps;  // what the positions in the keys count
-  std::unordered_set<std::wstring> m_pairs;        // supplier code & "-" & assortment code, upper
+  std::unordered_set<std::wstring> m_pairs;        // of the product table, as PairOf makes them
 };

@@ -2,34 +2,27 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <string_view>
+
+#include "platform/files/binary_writer.h"
 
 namespace files {
 
-enum class WriteMode { kReplace, kAppend };
-
-// Buffered: what was written is certainly in the file only after Close() (or Flush()). The
-// destructor closes without reporting errors, so a caller that cares calls Close().
+// Buffered, opened and closed as a BinaryWriter, with the same errors.
 class TextWriter {
  public:
-  // Creates the file, or empties or continues an existing one. Throws text::RuntimeError 70 or 76
-  // (files/file_error.h) when that fails.
-  explicit TextWriter(const std::filesystem::path& path, WriteMode mode = WriteMode::kReplace);
+  explicit TextWriter(const std::filesystem::path& path, WriteMode mode = WriteMode::kReplace)
+      : file_(path, mode) {}
 
-  // Adds the text, WriteLine also the line end. Throw RuntimeError 61 (disk full) or 57, perhaps
-  // for text of an earlier call.
+  // Adds the text, WriteLine also the line end.
   void Write(std::wstring_view text);
   void WriteLine(std::wstring_view text);
 
-  // Hands everything to the operating system. Throw as Write does. A second Close does nothing.
-  void Flush();
-  void Close();
+  void Flush() { file_.Flush(); }
+  void Close() { file_.Close(); }
 
  private:
-  void ThrowIfFailed();
-
-  std::ofstream file_;
+  BinaryWriter file_;
 };
 
 }  // namespace files

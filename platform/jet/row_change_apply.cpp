@@ -60,7 +60,7 @@ void RowChange::Run() {
   CounterGuard counters(rows_);
   PageTransaction transaction(database_.pager);
   // Referencing rows were planned after those they refer to; they go first.
-  for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) Apply(*row);
+  for (std::size_t i = rows_.size(); i-- > 0;) Apply(rows_[i]);
   transaction.Commit();
   counters.Committed();
   Notify();

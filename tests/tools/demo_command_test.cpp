@@ -57,6 +57,13 @@ TEST_F(DemoCommandTest, RunsByItself) {
     refusals += refused;
   }
   EXPECT_EQ(refusals, 4);
+  for (const auto& update : fs::directory_iterator(folder / "demo" / "server")) {
+    const ProgramOutcome applied = RunProgram(program,
+                                              {"apply", "--no-backup", "--log", Path("log.txt"),
+                                               "--table", table, update.path().string()},
+                                              folder.path());
+    EXPECT_EQ(applied.status, 0) << applied.out;
+  }
   const ProgramOutcome checked = RunProgram(program, {"check", "--table", table}, folder.path());
   EXPECT_THAT(checked.out, StartsWith("ok: 15 tables, "));
 

@@ -27,6 +27,7 @@ void AddCompactCommand(CLI::App& app, Work& work);
 void AddDemoCommand(CLI::App& app, Work& work);
 void AddProcessedCommand(CLI::App& app, Work& work);
 void AddRowsCommand(CLI::App& app, Work& work);
+void AddServeCommand(CLI::App& app, Work& work);  // not on Windows
 void AddShowCommand(CLI::App& app, Work& work);
 void AddTablesCommand(CLI::App& app, Work& work);
 

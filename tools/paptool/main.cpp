@@ -71,6 +71,7 @@ int Run(const std::vector<std::string>& arguments) {
   AddProcessedCommand(app, work);
   AddCompactCommand(app, work);
   AddDemoCommand(app, work);
+  AddServeCommand(app, work);
 
   if (!arguments.empty() && !arguments.front().starts_with('-') &&
       !IsCommand(app, arguments.front())) {

@@ -1,0 +1,48 @@
+// A download page, a product table with one supplier, and a download server to play with.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/memory_registry.h"
+#include "tests/support/scripted_event_pump.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/surface_test.h"
+#include "wizard/usrDownload.h"
+
+// The product table has the assortments A and B of supplier S. The server has an index and files;
+// how it answers for one of them can be changed before it is asked.
+class DownloadPageTest : public test_support::ProductTableTest {
+ protected:
+  DownloadPageTest();
+
+  // A file on the server, and its line in the index, with its size or another.
+  void Offer(const std::string& vName, const std::string& vBody,
+             std::optional<std::string> vSize = std::nullopt);
+
+  // Steps 2 and 3 of the page, with the list as it is filled; the status lines raised meanwhile.
+  std::vector<std::string> FetchIndex();
+  std::vector<std::string> FetchFiles();
+
+  std::vector<std::string> Listed() const;  // the file names in the list
+  std::vector<std::string> Messages();      // the message boxes since the last call
+  // A file in the update folder; nothing when there is none.
+  std::optional<std::string> Fetched(const std::string& vName) const;
+
+  using Answer = test_support::ScriptedServer::Answer;
+  std::string index = "OrvPapInfo\r\n";
+  std::map<std::string, std::string> files;  // by path; "Info.txt" is made from `index`
+  std::map<std::string, Answer> answers;     // in place of files
+
+  test_support::MemoryRegistry registry;
+  test_support::ScriptedEventPump pump;
+  test_support::ScriptedServer server;
+  usrDownload page;
+  std::vector<std::string> status;  // everything that SetStepText said
+};
+
+inline constexpr char kFolderPath[] = "/orv/PAP32SP7/";
