@@ -81,10 +81,23 @@ usrDownload::usrDownload(const std::wstring& vServer, const DownloadPatience& vP
       Inet1(vPatience.Server),
       m_baseUrl(WithoutSlash(vServer) + DownloadFolder::kPath),
       m_retry(vPatience.Retry) {
+  Contain({&frStep1, &frStep2, &frStep3});
+  frStep1.Contain({&optCheckDownload[0], &optCheckDownload[1]});
+  frStep2.Contain({&lvPrc});
+  frStep3.Contain({&lblProgress, &ProgressBar1, &txtStatus});
   lvPrc.SetCheckBoxes(true);
   lvPrc.ItemCheck = [this](std::size_t index) { lvPrc_ItemCheck(index); };
   txtStatus.SetMultiLine(true);
   txtStatus.SetLocked(true);
+}
+
+controls::Layout usrDownload::Arrangement() {
+  using controls::Column, controls::Group, controls::Show, controls::Stretched;
+  return Column({Stretched(Group(frStep1, {Show(&optCheckDownload[0]), Show(&optCheckDownload[1]),
+                                           controls::Space()})),
+                 Stretched(Group(frStep2, {Stretched(Show(&lvPrc))})),
+                 Stretched(Group(frStep3, {Show(&lblProgress), Show(&ProgressBar1),
+                                           Stretched(Show(&txtStatus))}))});
 }
 
 void usrDownload::Init(std::int32_t vStep) {

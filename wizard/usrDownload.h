@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/controls/buttons.h"
-#include "platform/controls/control.h"
+#include "platform/controls/layout.h"
 #include "platform/controls/list_view.h"
 #include "platform/controls/progress_bar.h"
 #include "platform/controls/text_box.h"
@@ -30,11 +30,13 @@ struct DownloadPatience {
 // the disk, is told in docs/downloads.md.
 //
 // One thread; while the page waits for the server it calls DoEvents.
-class usrDownload final : public controls::Control {
+class usrDownload final : public controls::Page {
  public:
   // `vServer` is the address of the download server, such as "https://download.example"; the
   // folder, its user and password are the page's own (updates/DownloadFolder.h).
   explicit usrDownload(const std::wstring& vServer, const DownloadPatience& vPatience = {});
+
+  controls::Layout Arrangement() override;
 
   controls::Frame frStep1;
   controls::Frame frStep2;

@@ -143,6 +143,12 @@ usrImport::usrImport() {
   cmdCopyToClipboard.Click = [this] { cmdCopyToClipboard_Click(); };
 }
 
+controls::Layout usrImport::Arrangement() {
+  using controls::Column, controls::Row, controls::Show, controls::Stretched;
+  return Column({Stretched(Show(&lvResults)), Show(&ProgressBarTotal), Show(&pBar),
+                 Row({controls::Space(), Show(&cmdCopyToClipboard)})});
+}
+
 bool usrImport::StartImport(const std::wstring& vPtFile,
                             const std::vector<std::shared_ptr<clsOrvPap>>& vColOrvPap,
                             bool vMakeBackup) {

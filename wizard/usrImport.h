@@ -10,16 +10,18 @@
 #include "app/clsLogfile.h"
 #include "engine/clsOrvPap.h"
 #include "platform/controls/buttons.h"
-#include "platform/controls/control.h"
+#include "platform/controls/layout.h"
 #include "platform/controls/list_view.h"
 #include "platform/controls/progress_bar.h"
 
 // Applies the chosen updates one after the other: backup, update, register. The order of its work
 // and of its messages is told in docs/import.md. One thread; while StartImport runs, every message
 // and every beginning of a step calls DoEvents.
-class usrImport final : public controls::Control {
+class usrImport final : public controls::Page {
  public:
   usrImport();
+
+  controls::Layout Arrangement() override;
 
   controls::ListView lvResults;            // the messages with their details; a refusal is red
   controls::ProgressBar ProgressBarTotal;  // the updates

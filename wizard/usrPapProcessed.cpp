@@ -22,6 +22,10 @@ constexpr std::int32_t kProcessed = 1003;
 
 usrPapProcessed::usrPapProcessed() { Contain({&lvPrc}); }
 
+controls::Layout usrPapProcessed::Arrangement() {
+  return controls::Column({controls::Stretched(controls::Show(&lvPrc))});
+}
+
 void usrPapProcessed::Init(const std::wstring& vPath) {
   try {
     setupLanguage();

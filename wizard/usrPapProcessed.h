@@ -3,14 +3,16 @@
 
 #include <string>
 
-#include "platform/controls/control.h"
+#include "platform/controls/layout.h"
 #include "platform/controls/list_view.h"
 
 // A list to read: the register of the product table (updates/modSharedPapRegister), oldest first.
 // One thread.
-class usrPapProcessed final : public controls::Control {
+class usrPapProcessed final : public controls::Page {
  public:
   usrPapProcessed();
+
+  controls::Layout Arrangement() override;
 
   controls::ListView lvPrc;  // key i & "P", i the position in ProcessedPaps from 1
 

@@ -36,6 +36,10 @@ usrSelectPap::usrSelectPap() {
   lvPrc.KeyPress = [this](wchar_t key) { return lvPrc_KeyPress(key); };
 }
 
+controls::Layout usrSelectPap::Arrangement() {
+  return controls::Column({controls::Stretched(controls::Show(&lvPrc))});
+}
+
 void usrSelectPap::Init(const std::wstring& vPath) {
   try {
     setupLanguage();

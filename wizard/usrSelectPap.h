@@ -8,16 +8,18 @@
 #include <vector>
 
 #include "engine/clsOrvPap.h"
-#include "platform/controls/control.h"
+#include "platform/controls/layout.h"
 #include "platform/controls/list_view.h"
 
 // Lists the updates of the update folder whose supplier delivers their assortment according to the
 // product table. Those in its register stand in grey and unchecked, but can be checked and are then
 // applied again. The list keeps the updates that it shows, whatever becomes of the folder. One
 // thread.
-class usrSelectPap final : public controls::Control {
+class usrSelectPap final : public controls::Page {
  public:
   usrSelectPap();
+
+  controls::Layout Arrangement() override;
 
   controls::ListView lvPrc;  // key i & "P", i the position in the folder's collection from 1
 

@@ -37,6 +37,13 @@ usrTarget::usrTarget() {
   cmdReset.Click = [this] { cmdReset_Click(); };
 }
 
+controls::Layout usrTarget::Arrangement() {
+  using controls::Column, controls::Row, controls::Show, controls::Stretched;
+  return Column({Show(&lblPTLocation),
+                 Row({Stretched(Show(&txt_PTLocation)), Show(&cmdSelPT), Show(&cmdReset)}),
+                 Show(&chkBackup), controls::Space()});
+}
+
 void usrTarget::Init() {
   try {
     setupLanguage();

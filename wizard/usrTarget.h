@@ -5,15 +5,17 @@
 #include <string>
 
 #include "platform/controls/buttons.h"
-#include "platform/controls/control.h"
+#include "platform/controls/layout.h"
 #include "platform/controls/text_box.h"
 
 // Only offers a path; whether it leads to a product table shows when the next step opens it. What
 // the user chose last time is loaded at the first visit, so that going back keeps what was typed.
 // One thread.
-class usrTarget final : public controls::Control {
+class usrTarget final : public controls::Page {
  public:
   usrTarget();
+
+  controls::Layout Arrangement() override;
 
   controls::Label lblPTLocation;
   controls::TextBox txt_PTLocation;  // path of the product table

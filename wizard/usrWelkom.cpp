@@ -56,6 +56,10 @@ usrWelkom::usrWelkom() {
   Text1.SetLocked(true);
 }
 
+controls::Layout usrWelkom::Arrangement() {
+  return controls::Column({controls::Stretched(controls::Show(&Text1))});
+}
+
 void usrWelkom::Init() {
   LadenWelkomText();
   RaiseEvent(AanzettenVolgende, true);

@@ -4,15 +4,17 @@
 #include <functional>
 #include <string>
 
-#include "platform/controls/control.h"
+#include "platform/controls/layout.h"
 #include "platform/controls/text_box.h"
 
 // Shows the text file that the setting PAPUPDATERWELCOME names (strWelcomeText, app/modShared); a
 // relative path starts from the program's folder. Its first line is a heading for the status line,
 // the others are the text. One thread.
-class usrWelkom final : public controls::Control {
+class usrWelkom final : public controls::Page {
  public:
   usrWelkom();
+
+  controls::Layout Arrangement() override;
 
   controls::TextBox Text1;  // the text, for reading only
 

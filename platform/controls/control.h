@@ -1,11 +1,30 @@
 // What all controls have in common, and the two that have nothing more than a caption.
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <utility>
 
 namespace controls {
+
+// Sizes and places in twips, 1,440 an inch: 15 are a pixel of a display at its normal scale.
+struct Size {
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+
+  bool operator==(const Size&) const = default;
+};
+
+// Where a control stands on its form, from the upper left corner.
+struct Bounds {
+  std::int32_t left = 0;
+  std::int32_t top = 0;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+
+  bool operator==(const Bounds&) const = default;
+};
 
 // A part of a page as the page sees it: a plain object that works the same with a real window
 // behind it and without one.
@@ -48,6 +67,9 @@ class Control {
   void SetVisible(bool visible) { Change(visible_, visible); }
   const std::wstring& ToolTip() const { return tool_tip_; }
   void SetToolTip(std::wstring tool_tip) { Change(tool_tip_, std::move(tool_tip)); }
+  // Only for what stands on a form itself; a page's controls are placed by its Arrangement.
+  const Bounds& Place() const { return place_; }
+  void SetPlace(const Bounds& place) { Change(place_, place); }
 
  protected:
   Control() = default;
@@ -77,6 +99,7 @@ class Control {
   bool enabled_ = true;
   bool visible_ = true;
   std::wstring tool_tip_;
+  Bounds place_;
 };
 
 // A control with a text of its own. "&" in it marks the next character as the access key.
@@ -90,7 +113,15 @@ class CaptionedControl : public Control {
 };
 
 // A text that the user only reads. "&" has no meaning in it.
-class Label final : public CaptionedControl {};
+class Label final : public CaptionedControl {
+ public:
+  // The title of what stands below it, in larger letters. Set before the label is shown.
+  bool Heading() const { return heading_; }
+  void SetHeading(bool heading) { Change(heading_, heading); }
+
+ private:
+  bool heading_ = false;
+};
 
 // A group of controls, those that it contains, with an optional heading. Hiding it hides them.
 class Frame final : public CaptionedControl {};

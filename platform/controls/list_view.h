@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/controls/control.h"
@@ -62,6 +63,10 @@ class ListView final : public Control {
   bool CheckBoxes() const { return check_boxes_; }
   void SetCheckBoxes(bool check_boxes) { Change(check_boxes_, check_boxes); }
 
+  // What stands in grey where the items would be while there is none: why the list is empty.
+  const std::wstring& EmptyText() const { return empty_text_; }
+  void SetEmptyText(std::wstring text) { Change(empty_text_, std::move(text)); }
+
   // Returns the position of the new item, the last.
   std::size_t AddItem(ListItem item);
   void Clear();
@@ -97,6 +102,7 @@ class ListView final : public Control {
   ItemObserver* item_observer_ = nullptr;
   std::vector<std::wstring> columns_;
   bool check_boxes_ = false;
+  std::wstring empty_text_;
   std::vector<ListItem> items_;
   std::unordered_map<std::wstring, std::size_t> positions_;  // by key
 };
