@@ -115,8 +115,14 @@ frmOrvPap::frmOrvPap(const std::wstring& vServer, const DownloadPatience& vPatie
 }
 
 std::vector<controls::AnyControl> frmOrvPap::Controls() {
-  return {&lbTitle,       &lbStap,     &usrWelkom1, &usrTarget1, &usrPapProcessed1, &usrDownload1,
-          &usrSelectPap1, &usrImport1, &txtVersion, &cmdVorige,  &cmdVolgende,      &cmdAnnuleren};
+  std::vector<controls::AnyControl> all = {&lbTitle, &lbStap};
+  for (controls::Page* page : Pages()) all.emplace_back(page);
+  all.insert(all.end(), {&txtVersion, &cmdVorige, &cmdVolgende, &cmdAnnuleren});
+  return all;
+}
+
+std::array<controls::Page*, 6> frmOrvPap::Pages() {
+  return {&usrWelkom1, &usrTarget1, &usrPapProcessed1, &usrDownload1, &usrSelectPap1, &usrImport1};
 }
 
 void frmOrvPap::Load() {
