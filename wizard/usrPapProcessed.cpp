@@ -16,6 +16,7 @@ constexpr std::int32_t kDate = 1000;
 constexpr std::int32_t kAssortment = 1001;
 constexpr std::int32_t kSupplier = 1002;
 constexpr std::int32_t kProcessed = 1003;
+constexpr std::int32_t kNothing = 1060;
 }  // namespace ProcessedTexts
 
 }  // namespace
@@ -48,6 +49,7 @@ void usrPapProcessed::setupLanguage() {
 
 void usrPapProcessed::FillList() {
   lvPrc.Clear();
+  lvPrc.SetEmptyText(LanguageText(ProcessedTexts::kNothing));
   if (!ProcessedPaps()) return;
   std::size_t position = 0;
   for (const auto& pap : *ProcessedPaps()) {

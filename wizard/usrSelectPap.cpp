@@ -23,6 +23,7 @@ constexpr std::int32_t kAssortmentColumn = 1001;
 constexpr std::int32_t kSupplierColumn = 1002;
 constexpr std::int32_t kProcessedColumn = 1003;
 constexpr std::int32_t kRemarkColumn = 1004;
+constexpr std::int32_t kNothing = 1061;
 }  // namespace SelectTexts
 
 constexpr wchar_t kShownOnce[] = L"ProcessedFilesSP1";
@@ -44,6 +45,7 @@ void usrSelectPap::Init(const std::wstring& vPath) {
   try {
     setupLanguage();
     lvPrc.Clear();
+    lvPrc.SetEmptyText(L"");  // until it is known to stay so
     m_paps.clear();
     GetProcessedCollection(vPath);
     ReadUpdates();
@@ -97,6 +99,7 @@ void usrSelectPap::FillList() {
     if (m_pairs.contains(PairOf(pap->SupplierCode, pap->AssortmentCode))) AddUpdate(*pap, position);
     DoEvents();
   }
+  lvPrc.SetEmptyText(LanguageText(SelectTexts::kNothing));
   if (!shown_once) CurrentUser_BrengWegBoolean(L"", kShownOnce, true);
   RaiseEvent(SetStepText, step_text);
   RaiseEvent(AanzettenVolgende, AnyChecked());
