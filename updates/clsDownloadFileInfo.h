@@ -19,7 +19,7 @@ class clsDownloadFileInfo {
   std::wstring AssortmentCode;
   std::wstring SupplierCode;
 
-  bool Download = false;  // not in the update folder yet
+  bool Download = false;  // still to be fetched: not in the update folder yet
   bool Chosen = true;     // the user has not unchecked it
 
   // Takes the fields from a line of the index: separated by commas, without quoting, blanks around

@@ -44,8 +44,12 @@ constexpr std::int32_t kNothingNew = 1023;
 constexpr wchar_t kCleanedUp[] = L"DelFilesSP1";
 constexpr wchar_t kCheckInet[] = L"CheckInet";
 
-// A server that sends more than this as its index, some hundred thousand files, is out of its mind.
-constexpr std::size_t kMostIndexBytes = 64U << 20;
+// A server that offers more than this is out of its mind: what its index may take here is bounded.
+constexpr std::size_t kMostIndexBytes = 32U << 20;
+constexpr std::size_t kMostEntries = 500'000;
+
+// The status lines that the page keeps at least, in characters: those of some hundred files.
+constexpr std::size_t kMostStatusText = 100'000;
 
 constexpr int kStatusOk = 200;
 
@@ -141,9 +145,25 @@ void usrDownload::ShowFrame(std::int32_t vStep) {
   frStep3.SetVisible(vStep == 3);
 }
 
+// The oldest lines go when there are too many. They go, and the box is told, many at a time: each
+// copies what remains.
 void usrDownload::Status(const std::wstring& vText) {
-  txtStatus.SetText(AppendLine(txtStatus.Text(), vText));
+  if (!m_status.empty()) m_status += L"\r\n";
+  m_status += vText;
+  if (m_status.size() > 2 * kMostStatusText) {
+    const std::size_t end = m_status.find(L'\n', m_status.size() - kMostStatusText);
+    m_status.erase(0, end == std::wstring::npos ? m_status.size() : end + 1);
+  }
   RaiseEvent(SetStepText, vText);
+}
+
+void usrDownload::Yield() {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - m_told >= kTellingPause) {
+    m_told = now;
+    txtStatus.SetText(m_status);
+  }
+  DoEvents();
 }
 
 void usrDownload::InitChoice() {
@@ -161,6 +181,7 @@ void usrDownload::InitChoice() {
 void usrDownload::InitList() {
   RaiseEvent(SetStepText, StepText(LanguageText(DownloadTexts::kList)));
   lvPrc.Clear();
+  lvPrc.SetEmptyText(L"");
   m_index.clear();
   if (!FetchIndex()) return;
   m_pairs = ReadPairs(ProductTable);
@@ -169,11 +190,13 @@ void usrDownload::InitList() {
 }
 
 void usrDownload::InitTransfer() {
+  m_status.clear();
   txtStatus.SetText(L"");
   RaiseEvent(SetStepText, StepText(LanguageText(DownloadTexts::kTransfer)));
   const std::wstring folder = PapFolder();
   if (!EnsureFolder(folder)) return;
   for (const auto& info : CheckedEntries()) DownloadFile(folder, *info);
+  txtStatus.SetText(m_status);
 }
 
 // An error page is no index, whatever it says.
@@ -181,49 +204,59 @@ bool usrDownload::FetchIndex() {
   Status(LanguageText(DownloadTexts::kConnecting));
   Ask(DownloadFolder::kIndexFile);
   const auto response = Inet1.OpenUrl(kMostIndexBytes, [] { DoEvents(); });
-  if (response.body.empty()) {
-    Status(LanguageText(DownloadTexts::kNoIndex));
-    ShowMessage(Shared().objLanguage->GetMessageText(DownloadTexts::kNoIndex), L"");
-    return false;
-  }
   Status(LanguageText(DownloadTexts::kReceived));
+  if (response.body.empty()) return RefuseIndex(DownloadTexts::kNoIndex);
   const std::wstring index = text::AnsiToWide(response.body);
   std::wstring_view lines = index;
-  if (!IsIdentification(TakeLine(lines)) || response.status != kStatusOk) {
-    Status(LanguageText(DownloadTexts::kWrongIndex));
-    ShowMessage(Shared().objLanguage->GetMessageText(DownloadTexts::kWrongIndex), L"");
-    return false;
+  if (!IsIdentification(TakeLine(lines)) || response.status != kStatusOk || !ReadIndex(lines)) {
+    return RefuseIndex(DownloadTexts::kWrongIndex);
   }
-  ReadIndex(lines);
-  if (m_index.empty()) Status(LanguageText(DownloadTexts::kEmptyIndex));
+  if (m_index.empty()) SayNothing(DownloadTexts::kEmptyIndex);
   return true;
 }
 
-void usrDownload::ReadIndex(std::wstring_view vLines) {
-  while (!vLines.empty()) {
-    const std::wstring line(TakeLine(vLines));
-    // The carriage return of a line end does not make a line.
-    const std::wstring_view visible = line.ends_with(L'\r')
-                                          ? std::wstring_view(line).substr(0, line.size() - 1)
-                                          : std::wstring_view(line);
-    if (text::Trim(visible).empty()) continue;
-    auto info = std::make_shared<clsDownloadFileInfo>();
-    if (info->AddLine(line)) m_index.push_back(std::move(info));
-    DoEvents();
-  }
+bool usrDownload::RefuseIndex(std::int32_t vReason) {
+  lvPrc.SetEmptyText(LanguageText(vReason));
+  ShowMessage(Shared().objLanguage->GetMessageText(vReason), L"");
+  return false;
 }
 
-// A name that leads out of the folder is not looked for there.
+// The status line and the list itself say why nothing is offered.
+void usrDownload::SayNothing(std::int32_t vReason) {
+  Status(LanguageText(vReason));
+  lvPrc.SetEmptyText(LanguageText(vReason));
+}
+
+bool usrDownload::ReadIndex(std::wstring_view vLines) {
+  while (!vLines.empty()) {
+    DoEvents();
+    const std::wstring line(TakeLine(vLines));
+    if (text::Trim(line).empty()) continue;
+    if (m_index.size() == kMostEntries) {
+      m_index.clear();
+      return false;
+    }
+    auto info = std::make_shared<clsDownloadFileInfo>();
+    if (info->AddLine(line)) m_index.push_back(std::move(info));
+  }
+  return true;
+}
+
+// Looks into the folder for the files that the product table can use only, and not for a name that
+// leads out of it.
 void usrDownload::SelectOffered() {
   const std::wstring folder = AddBackslash(PapFolder());
   bool any = false;
   for (const auto& info : m_index) {
-    info->Download =
-        !files::IsPlainFileName(info->FileName) || !files::FileExists(folder + info->FileName);
-    any = any || IsOffered(*info);
+    info->Download = true;
+    if (IsOffered(*info)) {
+      info->Download =
+          !files::IsPlainFileName(info->FileName) || !files::FileExists(folder + info->FileName);
+      any = any || info->Download;
+    }
     DoEvents();
   }
-  if (!any && !m_index.empty()) Status(LanguageText(DownloadTexts::kNothingNew));
+  if (!any && !m_index.empty()) SayNothing(DownloadTexts::kNothingNew);
 }
 
 bool usrDownload::IsOffered(const clsDownloadFileInfo& vInfo) const {

@@ -50,7 +50,8 @@ class usrDownload final : public controls::Page {
   controls::OptionButton optCheckDownload[2];
   // In the second: what is offered; key i & "P", i the position in the index from 1.
   controls::ListView lvPrc;
-  // In the third: how far the file in hand is, and all status lines of the step.
+  // In the third: how far the file in hand is, and the status lines of the step, the last ones
+  // where there are very many.
   controls::Label lblProgress;
   controls::ProgressBar ProgressBar1;
   controls::TextBox txtStatus;
@@ -78,13 +79,16 @@ class usrDownload final : public controls::Page {
  private:
   void ShowFrame(std::int32_t vStep);
   void Status(const std::wstring& vText);
+  void Yield();  // DoEvents, with the status lines shown
   void InitChoice();
   void InitList();
   void InitTransfer();
 
-  // The index: true when it came and is one.
+  // The index: true when it came and is one; all of its entries, false when they are too many.
   bool FetchIndex();
-  void ReadIndex(std::wstring_view vLines);
+  bool RefuseIndex(std::int32_t vReason);  // false, after the message of this number
+  void SayNothing(std::int32_t vReason);   // why nothing is offered
+  bool ReadIndex(std::wstring_view vLines);
   void SelectOffered();
   bool IsOffered(const clsDownloadFileInfo& vInfo) const;
   void FillList();
@@ -97,14 +101,20 @@ class usrDownload final : public controls::Page {
   std::int64_t TransferFile(const std::wstring& vPath, const clsDownloadFileInfo& vInfo);
   std::int64_t ReceiveFile(const std::wstring& vPath, const clsDownloadFileInfo& vInfo);
   std::int64_t ReadLength();
+  void WaitFor(std::chrono::milliseconds vTime);
   std::int64_t ReceiveBody(const std::wstring& vPath, const std::wstring& vFileName,
                            std::int64_t vLength);
   void ShowProgress(const std::wstring& vFileName, std::int64_t vReceived, std::int64_t vLength);
   void Ask(const std::wstring& vFileName);
 
+  // A window that is told more often only gets slower.
+  static constexpr std::chrono::milliseconds kTellingPause{20};
+
   const std::wstring m_baseUrl;
   const std::chrono::milliseconds m_retry;
-  bool m_visited = false;  // step 1 has been shown
+  bool m_visited = false;                        // step 1 has been shown
+  std::wstring m_status;                         // lines of the step
+  std::chrono::steady_clock::time_point m_told;  // when txtStatus got them
   std::vector<std::shared_ptr<clsDownloadFileInfo>> m_index;
   std::unordered_set<std::wstring> m_pairs;  // of the product table, as PairOf makes them
 };

@@ -40,9 +40,6 @@ constexpr std::int64_t kChunkSize = 256;
 
 using SteadyClock = std::chrono::steady_clock;
 
-// A window that is told more often only gets slower.
-constexpr SteadyClock::duration kTellingPause = std::chrono::milliseconds(20);
-
 // A text that is no whole number counts as 0.
 std::int64_t WholeNumber(const std::wstring& vText) {
   const std::string digits = text::WideToUtf8(text::Trim(vText));
@@ -50,15 +47,6 @@ std::int64_t WholeNumber(const std::wstring& vText) {
   const char* const end = digits.data() + digits.size();
   const auto [stopped, error] = std::from_chars(digits.data(), end, number);
   return error == std::errc() && stopped == end ? number : 0;
-}
-
-void WaitFor(std::chrono::milliseconds vTime) {
-  constexpr std::chrono::milliseconds kSlice{10};
-  const auto end = SteadyClock::now() + vTime;
-  while (SteadyClock::now() < end) {
-    DoEvents();
-    std::this_thread::sleep_for(kSlice);
-  }
 }
 
 }  // namespace
@@ -77,6 +65,7 @@ bool usrDownload::EnsureFolder(const std::wstring& vFolder) {
 void usrDownload::DownloadFile(const std::wstring& vFolder, const clsDownloadFileInfo& vInfo) {
   const std::wstring shown = StripControlChars(vInfo.FileName);
   Status(L"Downloaden bestand " + shown);
+  Yield();
   const bool done = files::IsPlainFileName(vInfo.FileName) &&
                     TransferFile(AddBackslash(vFolder) + vInfo.FileName, vInfo) > 0;
   Status(done ? LanguageText(DownloadTexts::kDone)
@@ -100,7 +89,7 @@ std::int64_t usrDownload::TransferFile(const std::wstring& vPath,
 std::int64_t usrDownload::ReceiveFile(const std::wstring& vPath, const clsDownloadFileInfo& vInfo) {
   Ask(vInfo.FileName);
   Inet1.Execute();
-  while (Inet1.StillExecuting()) DoEvents();
+  while (Inet1.StillExecuting()) Yield();
   const std::int64_t length = ReadLength();
   if (static_cast<double>(length) != vInfo.Size || Inet1.StatusCode() != kStatusOk) {
     Status(L"Incorrect filesize");
@@ -124,6 +113,15 @@ std::int64_t usrDownload::ReadLength() {
   return 0;
 }
 
+void usrDownload::WaitFor(std::chrono::milliseconds vTime) {
+  constexpr std::chrono::milliseconds kSlice{10};
+  const auto end = SteadyClock::now() + vTime;
+  while (SteadyClock::now() < end) {
+    Yield();
+    std::this_thread::sleep_for(kSlice);
+  }
+}
+
 // What came before a failure stays in the file.
 std::int64_t usrDownload::ReceiveBody(const std::wstring& vPath, const std::wstring& vFileName,
                                       std::int64_t vLength) {
@@ -133,7 +131,7 @@ std::int64_t usrDownload::ReceiveBody(const std::wstring& vPath, const std::wstr
   std::int64_t received = 0;
   while (received < vLength) {
     const auto wanted = static_cast<std::size_t>(std::min(kChunkSize, vLength - received));
-    while (!Inet1.ChunkReady(wanted)) DoEvents();
+    while (!Inet1.ChunkReady(wanted)) Yield();
     const std::string_view chunk = Inet1.GetChunk(wanted);
     if (chunk.empty()) break;
     file.Write(chunk);
@@ -142,7 +140,7 @@ std::int64_t usrDownload::ReceiveBody(const std::wstring& vPath, const std::wstr
     if (now - told < kTellingPause && received < vLength) continue;
     told = now;
     ShowProgress(vFileName, received, vLength);
-    DoEvents();
+    Yield();
   }
   file.Close();
   if (received < vLength) ShowProgress(vFileName, received, vLength);

@@ -3,17 +3,20 @@
 
 namespace transfer {
 
-void Patience::Begin(Duration limit) {
+void Patience::Begin(Duration silence, Duration whole) {
   *this = {};
-  limit_ = limit;
+  silence_ = silence;
+  left_ = whole;
 }
 
 void Patience::Waited(Duration time, std::size_t bytes) {
+  left_ -= time;
+  if (left_ <= Duration::zero()) over_ = true;
   waited_ += time;
   bytes_ += bytes;
-  if (waited_ < limit_) return;
+  if (waited_ < silence_) return;
   const std::chrono::duration<double> seconds = waited_;
-  over_ = bytes_ == 0 || static_cast<double>(bytes_) < seconds.count();
+  if (static_cast<double>(bytes_) < kLeastRate * seconds.count()) over_ = true;
   waited_ = {};
   bytes_ = 0;
 }

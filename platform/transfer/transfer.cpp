@@ -19,7 +19,7 @@ Transfer::~Transfer() = default;
 
 void Transfer::Execute() {
   Cancel();
-  patience_.Begin(limits_.connect + limits_.silence);
+  patience_.Begin(limits_.silence);
   session_->Start(
       {.url = Url, .user_name = UserName, .password = Password, .connect_limit = limits_.connect});
 }
@@ -40,7 +40,7 @@ bool Transfer::ChunkReady(std::size_t size) {
   if (buffer_.size() - taken_ >= size) return true;
   buffer_.erase(0, taken_);
   taken_ = 0;
-  session_->TakeBody(buffer_);
+  Take({});
   if (buffer_.size() < size && session_->state() == State::kReceiving) WaitForNews();
   return buffer_.size() >= size || session_->state() != State::kReceiving;
 }
@@ -64,6 +64,7 @@ Transfer::Response Transfer::OpenUrl(std::size_t most, const std::function<void(
   Execute();
   while (StillExecuting()) meanwhile();
   response.status = StatusCode();
+  patience_.Begin(limits_.silence, limits_.whole);
   while (response.body.size() <= most) {
     while (!ChunkReady(kMostBuffered)) meanwhile();
     const std::string_view chunk = GetChunk(kMostBuffered);
@@ -77,12 +78,16 @@ Transfer::Response Transfer::OpenUrl(std::size_t most, const std::function<void(
 
 // A request that has used up the patience is cancelled: what came in before can still be taken.
 void Transfer::WaitForNews() {
-  const std::size_t before = buffer_.size();
   const auto start = std::chrono::steady_clock::now();
   session_->Wait(kSlice);
-  session_->TakeBody(buffer_);
-  patience_.Waited(std::chrono::steady_clock::now() - start, buffer_.size() - before);
+  Take(std::chrono::steady_clock::now() - start);
   if (patience_.IsOver()) session_->Cancel();
+}
+
+void Transfer::Take(Patience::Duration waited) {
+  const std::size_t before = buffer_.size();
+  session_->TakeBody(buffer_);
+  patience_.Waited(waited, buffer_.size() - before);
 }
 
 }  // namespace transfer

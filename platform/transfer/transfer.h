@@ -16,8 +16,11 @@ class Session;
 
 // How long a server may take.
 struct TimeLimits {
-  std::chrono::milliseconds connect{20'000};  // until the connection stands, name look-up included
-  std::chrono::milliseconds silence{30'000};  // for an answer, and between parts of the body
+  std::chrono::milliseconds connect{20'000};  // until a connection stands, name look-up included
+  // Until the headers are in: connections and redirects included. From then on the time over which
+  // the body must come at the least rate (patience.h).
+  std::chrono::milliseconds silence{30'000};
+  std::chrono::milliseconds whole{300'000};  // for the body that OpenUrl fetches
 };
 
 // One GET request at a time, with Basic authentication. Nothing blocks for longer than a fraction
@@ -72,7 +75,8 @@ class Transfer {
   void Cancel();
 
   // The whole body as bytes: Execute, and everything up to Cancel, with a call of `meanwhile` at
-  // every wait. Empty when the request failed, broke off, or its body has more than `most` bytes.
+  // every wait. Empty when the request failed, broke off, took longer than the limit for the whole,
+  // or its body has more than `most` bytes.
   // `status` is the status of the response, 0 where there was none.
   struct Response {
     int status = 0;
@@ -82,6 +86,7 @@ class Transfer {
 
  private:
   void WaitForNews();
+  void Take(Patience::Duration waited);
 
   TimeLimits limits_;
   std::unique_ptr<Session> session_;

@@ -42,6 +42,11 @@ std::wstring EscapeSegment(std::wstring_view name) {
   return escaped;
 }
 
+bool IsUnprotected(std::wstring_view url) {
+  constexpr std::wstring_view kScheme = L"http:";
+  return text::EqualsNoCase(url.substr(0, kScheme.size()), kScheme);
+}
+
 bool IsLoopback(std::wstring_view url) {
   const std::wstring_view host = HostOf(url);
   return text::EqualsNoCase(host, L"localhost") || host.starts_with(L"127.") || host == L"[::1]";

@@ -10,6 +10,9 @@ namespace transfer {
 // "-._~" as "%" and two hex digits for each byte of its UTF-8 form.
 std::wstring EscapeSegment(std::wstring_view name);
 
+// Whether the address asks for a connection that anybody on the way can read.
+bool IsUnprotected(std::wstring_view url);
+
 // Whether the address leads to this machine itself ("localhost", 127.*, [::1]).
 bool IsLoopback(std::wstring_view url);
 

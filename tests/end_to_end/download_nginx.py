@@ -3,8 +3,8 @@
 
     download_nginx.py PAPTOOL DOWNLOAD_PAGE
 
-A walk in two runs, two of four offered files and then the rest; a password that the server refuses; a
-certificate that nobody vouches for; a server that has moved.
+A walk in two runs, two of four offered files and then the rest; a password that the server refuses;
+certificates that are trusted and not; a server that has moved.
 """
 
 import pathlib
@@ -83,19 +83,22 @@ def walk_in_two_runs(walks, server, bodies):
     expect(contents(walks.folder), {}, "after the clean-up")
 
 
-def refusals(walks, server, bodies):
-    before = contents(walks.folder)
-    lines = walks.run(server.secure_address)
-    expect(lines[-1].startswith("message: The list of price updates cannot be fetched."), True,
-           "a certificate that nobody vouches for: " + lines[-1])
-    expect(contents(walks.folder), before, "nothing came from it")
-    lines = walks.run(server.address + "/moved", "--uncheck", OLD_FILE)
-    expect(names(lines, "offered"), list(bodies), "a server that has moved")
-    expect(len(contents(walks.folder)), len(bodies), "all files came from where it has moved to")
-    # Under another name it is another server, which gets no password.
-    lines = walks.run(server.address + "/elsewhere")
-    expect(lines[-1], "message: The server did not return a valid list of price updates.",
-           "a redirect to another server")
+def protected(walks, server, bodies):
+    """Certificates, and what may be sent where."""
+    trust = ("--trust", server.authority)
+    no_index = "message: The list of price updates cannot be fetched."
+    for address, arguments, what in (
+            (server.trusted_address, (), "a certificate that nobody vouches for"),
+            (server.misnamed_address, trust, "a certificate for another name"),
+            (server.trusted_address.replace("https", "HTTPS") + "/elsewhere", trust,
+             "a redirect to an unprotected connection")):
+        lines = walks.run(address, *arguments)
+        expect(lines[-1].startswith(no_index), True, f"{what}: {lines[-1]}")
+        expect(contents(walks.folder), {}, what)
+        expect(server.was_led_off_protection(), False, what)
+    lines = walks.run(server.trusted_address + "/moved", "--uncheck", OLD_FILE, *trust)
+    expect(names(lines, "offered"), list(bodies), "a protected server that has moved")
+    expect(contents(walks.folder), bodies, "all files came from where it has moved to")
 
 
 def main():
@@ -112,7 +115,11 @@ def main():
         lines = walks.run(stranger.address)
         expect(lines[-1], "message: The server did not return a valid list of price updates.",
                "a password that is refused")
-        refusals(walks, server, bodies)
+        # Under another name it is another server, which gets no password.
+        lines = walks.run(server.address + "/elsewhere")
+        expect(lines[-1], "message: The server did not return a valid list of price updates.",
+               "a redirect to another server")
+        protected(walks, server, bodies)
     print("ok: the download page and nginx understand each other")
 
 

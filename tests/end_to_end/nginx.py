@@ -1,4 +1,4 @@
-"""A real download server on the loopback address: nginx with a password, for the end-to-end tests."""
+"""A real download server on the loopback address: nginx with a password and a certificate, for the end-to-end tests."""
 
 import os
 import pathlib
@@ -17,7 +17,8 @@ pid {folder}/nginx.pid;
 error_log {folder}/error.log;
 events {{ worker_connections 64; }}
 http {{
-  access_log {folder}/access.log;
+  log_format plain "$scheme $args";
+  access_log {folder}/access.log plain;
   client_body_temp_path {folder}/body;
   proxy_temp_path {folder}/proxy;
   fastcgi_temp_path {folder}/fastcgi;
@@ -27,14 +28,14 @@ http {{
     listen 127.0.0.1:{port};
     listen 127.0.0.1:{secure_port} ssl;
     ssl_certificate {folder}/certificate.pem;
-    ssl_certificate_key {folder}/key.pem;
+    ssl_certificate_key {folder}/certificate.key;
     location / {{
       root {folder}/root;
       auth_basic "updates";
       auth_basic_user_file {folder}/users;
     }}
     location /moved/ {{ rewrite ^/moved/(.*)$ /$1 redirect; }}
-    location /elsewhere/ {{ rewrite ^/elsewhere/(.*)$ http://localhost:{port}/$1 redirect; }}
+    location /elsewhere/ {{ rewrite ^/elsewhere/(.*)$ http://localhost:{port}/$1?from=$scheme redirect; }}
   }}
 }}
 """
@@ -56,44 +57,60 @@ def free_ports(count):
 
 
 class Nginx:
-    """Runs while it is entered. Files go into `files`; `address` and `secure_address` are without a path."""
+    """Runs while it is entered. Files go into `files`; the addresses are without a path.
+
+    Its certificate is for "localhost", signed by an authority of its own: `authority`.
+    """
 
     def __init__(self, password="plovatin"):
         self._password = password
 
     def __enter__(self):
         self._temporary = tempfile.TemporaryDirectory()
-        folder = pathlib.Path(self._temporary.name)
+        self._folder = folder = pathlib.Path(self._temporary.name)
         self.files = folder / "root" / PATH.strip("/")
         self.files.mkdir(parents=True)
-        port, secure_port = free_ports(2)
-        self.address = f"http://127.0.0.1:{port}"
-        self.secure_address = f"https://127.0.0.1:{secure_port}"
         crypted = subprocess.run(["openssl", "passwd", "-apr1", self._password], check=True,
                                  capture_output=True, text=True).stdout
         (folder / "users").write_text(f"plovatin:{crypted}")
-        # Signed by nobody but itself: no client may trust it.
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "1",
-                        "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1",
-                        "-keyout", folder / "key.pem", "-out", folder / "certificate.pem"],
-                       check=True, capture_output=True)
-        configuration = folder / "nginx.conf"
-        configuration.write_text(CONFIGURATION.format(folder=folder, port=port,
-                                                      secure_port=secure_port))
-        self._process = subprocess.Popen([program(), "-c", configuration, "-e", folder / "error.log"],
-                                         stderr=subprocess.DEVNULL)
-        self._await(port)
-        return self
-
-    def _await(self, port):
-        for _ in range(100):
-            try:
-                socket.create_connection(("127.0.0.1", port), 1).close()
-                return
-            except OSError:
-                time.sleep(0.05)
-        self.__exit__()
+        self.authority = self._certify("authority", "CA:TRUE")
+        self._certify("certificate", "CA:FALSE", "-addext", "subjectAltName=DNS:localhost",
+                      "-CA", self.authority, "-CAkey", folder / "authority.key")
+        for _ in range(5):  # somebody else may be quicker at taking a port that is free
+            if self._start(*free_ports(2)):
+                return self
+        self._temporary.cleanup()
         raise SystemExit("nginx does not start")
+
+    def _certify(self, name, constraints, *options):
+        path = self._folder / f"{name}.pem"
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "1",
+                        "-subj", f"/CN=test {name}", "-addext", f"basicConstraints={constraints}",
+                        "-keyout", path.with_suffix(".key"), "-out", path, *options],
+                       check=True, capture_output=True)
+        return path
+
+    def _start(self, port, secure_port):
+        self.address = f"http://127.0.0.1:{port}"
+        self.trusted_address = f"https://localhost:{secure_port}"
+        self.misnamed_address = f"https://127.0.0.1:{secure_port}"
+        configuration = self._folder / "nginx.conf"
+        configuration.write_text(CONFIGURATION.format(folder=self._folder, port=port,
+                                                      secure_port=secure_port))
+        self._process = subprocess.Popen(
+            [program(), "-c", configuration, "-e", self._folder / "error.log"],
+            stderr=subprocess.DEVNULL)
+        end = time.monotonic() + 20
+        while self._process.poll() is None and time.monotonic() < end:
+            if (self._folder / "nginx.pid").exists():  # written when it listens
+                return True
+            time.sleep(0.02)
+        self._process.kill()
+        self._process.wait()
+        return False
+
+    def was_led_off_protection(self):
+        return "http from=https" in (self._folder / "access.log").read_text()
 
     def __exit__(self, *_):
         self._process.terminate()

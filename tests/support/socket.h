@@ -11,8 +11,10 @@ namespace test_support {
 // Closed with the object. Implemented in posix/ and windows/.
 class Socket {
  public:
-  // Listens at a port that the system chooses. Throws std::runtime_error when that fails.
+  // Keeps a port that the system chooses: Listen takes connections there, Refuse takes none. Both
+  // throw std::runtime_error when that fails.
   static Socket Listen();
+  static Socket Refuse();
   Socket() = default;
   Socket(Socket&& other) noexcept;
   Socket& operator=(Socket&& other) noexcept;

@@ -24,9 +24,10 @@ class DownloadPageTest : public test_support::ProductTableTest {
   void Offer(const std::string& vName, const std::string& vBody,
              std::optional<std::string> vSize = std::nullopt);
 
-  // Steps 2 and 3 of the page, with the list as it is filled; the status lines raised meanwhile.
-  std::vector<std::string> FetchIndex();
-  std::vector<std::string> FetchFiles();
+  // Steps of a page, with the list as it is filled; the status lines raised meanwhile.
+  std::vector<std::string> Step(std::int32_t vStep, usrDownload& vPage);
+  std::vector<std::string> FetchIndex() { return Step(2, page); }
+  std::vector<std::string> FetchFiles() { return Step(3, page); }
 
   std::vector<std::string> Listed() const;  // the file names in the list
   std::vector<std::string> Messages();      // the message boxes since the last call
@@ -42,6 +43,7 @@ class DownloadPageTest : public test_support::ProductTableTest {
   test_support::ScriptedEventPump pump;
   test_support::ScriptedServer server;
   usrDownload page;
+  usrDownload impatient;            // the same, which gives up silence after a second
   std::vector<std::string> status;  // everything that SetStepText said
 };
 

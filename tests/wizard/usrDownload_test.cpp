@@ -68,7 +68,7 @@ TEST_F(usrDownloadTest, OffersWhatTheProductTableHasAndTheFolderHasNot) {
   index +=
       "1_S_C.PRC,Nobody delivers it,First,20260105,1,\r\n"
       "2_s_a.PRC,Beams,First,20260105,1536,Codes compare without case\r\n"
-      "\r\n"
+      "\r\n\n"
       "3_S_A.PRC,In the folder,First,20260105,1,\n"
       "   \n"
       "4_T_A.PRC,No such supplier,First,20260105,1,\r\n"
@@ -86,7 +86,7 @@ TEST_F(usrDownloadTest, OffersWhatTheProductTableHasAndTheFolderHasNot) {
                                            L"Codes compare without case"));
   EXPECT_TRUE(first.checked);
   const controls::ListItem& last = page.lvPrc.Item(1);
-  EXPECT_EQ(last.key, L"5P");
+  EXPECT_EQ(last.key, L"6P") << "a lone carriage return is a line, blanks are none";
   EXPECT_EQ(last.text, L"2024-03-01");
   EXPECT_EQ(last.sub_items[3], L"12.06 KB");
   EXPECT_EQ(ProductConnection, nullptr);

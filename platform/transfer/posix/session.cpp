@@ -14,6 +14,9 @@ namespace {
 
 constexpr long kReceiveSize = 256 * 1024;  // bytes asked of the system at once
 
+// Of all responses to a request, in bytes: some versions of the library keep any number.
+constexpr std::size_t kMostHeaders = 256 * 1024;
+
 struct EasyEnd {
   void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
 };
@@ -93,7 +96,6 @@ class CurlSession final : public Session {
 
   void Prepare(const Request& request) {
     const std::string url = text::WideToUtf8(request.url);
-    const bool secure = url.starts_with("https:");
     Set(CURLOPT_URL, url.c_str());
     Set(CURLOPT_PROTOCOLS_STR, "http,https");
     Set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
@@ -101,7 +103,7 @@ class CurlSession final : public Session {
     Set(CURLOPT_PASSWORD, text::WideToUtf8(request.password).c_str());
     Set(CURLOPT_FOLLOWLOCATION, 1L);
     Set(CURLOPT_MAXREDIRS, static_cast<long>(kMostRedirects));
-    Set(CURLOPT_REDIR_PROTOCOLS_STR, secure ? "https" : "http,https");
+    Set(CURLOPT_REDIR_PROTOCOLS_STR, IsUnprotected(request.url) ? "http,https" : "https");
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(request.connect_limit.count()));
     Set(CURLOPT_NOSIGNAL, 1L);
     Set(CURLOPT_QUICK_EXIT, 1L);  // nobody waits for the thread that asks a dead name server
@@ -156,14 +158,18 @@ class CurlSession final : public Session {
     if (easy_) curl_multi_remove_handle(multi_.get(), easy_.get());
     easy_.reset();
     received_.clear();
+    headers_ = 0;
     paused_ = false;
     responded_ = false;
   }
 
-  // The empty line after the headers of a response that is neither interim nor followed elsewhere.
+  // Looks for the empty line after the headers of a response that is neither interim nor followed
+  // elsewhere. Gives less than the line's size to end the request.
   static std::size_t OnHeader(const char* bytes, std::size_t size, std::size_t count, void* user) {
     auto& session = *static_cast<CurlSession*>(user);
     const std::string_view line(bytes, size * count);
+    session.headers_ += line.size();
+    if (session.headers_ > kMostHeaders) return 0;
     if (line != "\r\n" && line != "\n") return line.size();
     constexpr long kFirstFinalStatus = 200;
     const long status = session.Status();
@@ -190,8 +196,9 @@ class CurlSession final : public Session {
   std::unique_ptr<CURLM, MultiEnd> multi_;  // outlives the request
   std::unique_ptr<CURL, EasyEnd> easy_;
   State state_ = State::kIdle;
-  bool responded_ = false;  // the headers of the last response are in
-  bool paused_ = false;     // the library keeps what did not fit
+  std::size_t headers_ = 0;  // bytes so far
+  bool responded_ = false;   // the headers of the last response are in
+  bool paused_ = false;      // the library keeps what did not fit
   std::string received_;
 };
 

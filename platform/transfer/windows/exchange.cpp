@@ -103,8 +103,16 @@ Exchange::Exchange(HINTERNET session, const Target& target)
 
   const int connect = static_cast<int>(target.connect_limit.count());
   WinHttpSetTimeouts(request_.get(), connect, connect, kSystemPatience, kSystemPatience);
-  DWORD without = WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_COOKIES;
-  WinHttpSetOption(request_.get(), WINHTTP_OPTION_DISABLE_FEATURE, &without, sizeof without);
+  // The session follows redirects and logs in itself: nobody gets what the user logged in to
+  // Windows with.
+  DWORD without =
+      WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_AUTHENTICATION;
+  DWORD log_in = WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH;  // never by itself
+  if (!WinHttpSetOption(request_.get(), WINHTTP_OPTION_DISABLE_FEATURE, &without, sizeof without) ||
+      !WinHttpSetOption(request_.get(), WINHTTP_OPTION_AUTOLOGON_POLICY, &log_in, sizeof log_in)) {
+    request_.reset();
+    return;
+  }
   if (!target.use_proxy) {
     WINHTTP_PROXY_INFO none{};
     none.dwAccessType = WINHTTP_ACCESS_TYPE_NO_PROXY;

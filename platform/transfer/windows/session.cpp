@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/text/strings.h"
 #include "platform/transfer/url.h"
 #include "platform/transfer/windows/exchange.h"
 
@@ -25,7 +26,7 @@ struct Address {
   bool secure = false;
 
   bool IsSameServer(const Address& other) const {
-    return host == other.host && port == other.port && secure == other.secure;
+    return text::EqualsNoCase(host, other.host) && port == other.port && secure == other.secure;
   }
 };
 

@@ -7,32 +7,29 @@ namespace {
 
 using std::chrono::seconds;
 
-// Waits a second at a time; the number of seconds after which patience is over, 0 for never.
-int SecondsUntilOver(int bytes, int every, seconds limit) {
-  transfer::Patience patience;
-  patience.Begin(limit);
-  for (int second = 1; second <= 300; ++second) {
-    patience.Waited(seconds(1), second % every == 0 ? static_cast<std::size_t>(bytes) : 0);
-    if (patience.IsOver()) return second;
+TEST(PatienceTest, EndsWithSilenceATrickleOrTheWholeTime) {
+  struct Case {
+    std::size_t bytes;  // that come at once ...
+    int every;          // ... so often
+    seconds whole;
+    int over;  // after so many seconds, 0 for not within an hour
+  };
+  const Case cases[] = {
+      {0, 1, seconds(9999), 30},        {3999, 1, seconds(9999), 30}, {4000, 1, seconds(9999), 0},
+      {80'000, 20, seconds(9999), 30},  // the second 30 seconds would have two of them
+      {200'000, 20, seconds(9999), 0},  // rarely, but much
+      {1'000'000, 1, seconds(100), 100}};
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.bytes);
+    transfer::Patience patience;
+    for (int round = 0; round < 2; ++round) {
+      patience.Begin(seconds(30), one.whole);
+      int second = 0;
+      while (!patience.IsOver() && second < 3600)
+        patience.Waited(seconds(1), ++second % one.every == 0 ? one.bytes : 0);
+      EXPECT_EQ(patience.IsOver() ? second : 0, one.over);
+    }
   }
-  return 0;
-}
-
-TEST(PatienceTest, LastsAsLongAsAByteASecondComes) {
-  EXPECT_EQ(SecondsUntilOver(0, 1, seconds(30)), 30);
-  EXPECT_EQ(SecondsUntilOver(1, 2, seconds(30)), 30) << "a byte every other second";
-  EXPECT_EQ(SecondsUntilOver(1, 1, seconds(30)), 0);
-  EXPECT_EQ(SecondsUntilOver(100, 20, seconds(30)), 0) << "rarely, but much";
-}
-
-TEST(PatienceTest, BeginsAnew) {
-  transfer::Patience patience;
-  patience.Begin(seconds(2));
-  patience.Waited(seconds(2), 0);
-  ASSERT_TRUE(patience.IsOver());
-  patience.Begin(seconds(2));
-  patience.Waited(seconds(1), 0);
-  EXPECT_FALSE(patience.IsOver());
 }
 
 }  // namespace

@@ -20,6 +20,13 @@ TEST(UrlTest, KnowsThisMachine) {
     EXPECT_FALSE(transfer::IsLoopback(url)) << url;
 }
 
+TEST(UrlTest, KnowsWhatAnybodyCanRead) {
+  for (const wchar_t* url : {L"http://a.example", L"HTTP://a.example"})
+    EXPECT_TRUE(transfer::IsUnprotected(url)) << url;
+  for (const wchar_t* url : {L"https://a.example", L"HTTPS://a.example", L"htt", L""})
+    EXPECT_FALSE(transfer::IsUnprotected(url)) << url;
+}
+
 TEST(UrlTest, RedirectsInEveryForm) {
   const wchar_t* const url = L"http://a.example:81/x/y.txt?q=/z";
   const std::pair<const wchar_t*, const wchar_t*> cases[] = {

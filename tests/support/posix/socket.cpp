@@ -23,14 +23,20 @@ sockaddr_in Loopback() {
 
 }  // namespace
 
-Socket Socket::Listen() {
+Socket Socket::Refuse() {
   Socket socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_in address = Loopback();
   const int native = static_cast<int>(socket.native_);
-  if (native < 0 || bind(native, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-      listen(native, SOMAXCONN) != 0) {
-    throw std::runtime_error("cannot listen");
+  if (native < 0 || bind(native, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    throw std::runtime_error("no port");
   }
+  return socket;
+}
+
+Socket Socket::Listen() {
+  Socket socket = Refuse();
+  if (listen(static_cast<int>(socket.native_), SOMAXCONN) != 0)
+    throw std::runtime_error("cannot listen");
   return socket;
 }
 

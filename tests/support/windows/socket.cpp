@@ -22,18 +22,22 @@ SOCKET Native(std::intptr_t native) { return static_cast<SOCKET>(native); }
 
 }  // namespace
 
-Socket Socket::Listen() {
+Socket Socket::Refuse() {
   MakeLibraryReady();
   Socket socket(static_cast<std::intptr_t>(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP)));
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const SOCKET native = Native(socket.native_);
   if (!socket.IsOpen() ||
-      bind(native, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-      listen(native, SOMAXCONN) != 0) {
-    throw std::runtime_error("cannot listen");
+      bind(Native(socket.native_), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    throw std::runtime_error("no port");
   }
+  return socket;
+}
+
+Socket Socket::Listen() {
+  Socket socket = Refuse();
+  if (listen(Native(socket.native_), SOMAXCONN) != 0) throw std::runtime_error("cannot listen");
   return socket;
 }
 

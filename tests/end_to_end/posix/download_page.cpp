@@ -1,9 +1,13 @@
-// Walks through the download page's three steps without a window, for the scripts of this folder.
+// Walks through the download page's three steps without a window, for the end-to-end scripts.
 //
-//   download_page SERVER FOLDER [--first-run] [--uncheck NAME]...
+//   download_page SERVER FOLDER [--first-run] [--uncheck NAME]... [--trust CERTIFICATE]
 //
-// FOLDER is a demo installation. Prints what a user would see, a line each: "status: ", "message: "
-// and, for each item of the list, "offered: " or "unchecked: " with its sub-items.
+// FOLDER is a demo installation. Trusts the certificate's owner to vouch for servers. Prints what a
+// user would see, a line each: "status: ", "message: " and, for each item of the list, "offered: "
+// or "unchecked: " with its sub-items.
+#include <curl/curl.h>
+#include <dlfcn.h>
+
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -16,6 +20,21 @@
 #include "platform/text/code_page.h"
 #include "tests/support/memory_registry.h"
 #include "wizard/usrDownload.h"
+
+namespace {
+
+std::string trusted_certificate;  // a file
+
+}  // namespace
+
+// Stands before the library's own function: the program itself cannot be told whom to trust.
+extern "C" CURL* curl_easy_init() {
+  static const auto original = reinterpret_cast<CURL* (*)()>(dlsym(RTLD_NEXT, "curl_easy_init"));
+  CURL* const easy = original();
+  if (!trusted_certificate.empty())
+    curl_easy_setopt(easy, CURLOPT_CAINFO, trusted_certificate.c_str());
+  return easy;
+}
 
 namespace {
 
@@ -49,6 +68,7 @@ Options OptionsOf(int argc, char** argv) {
     if (argument == "--first-run") options.FirstRun = true;
     if (argument == "--uncheck" && i + 1 < argc)
       options.Unchecked.insert(text::Utf8ToWide(argv[++i]));
+    if (argument == "--trust" && i + 1 < argc) trusted_certificate = argv[++i];
   }
   return options;
 }
@@ -74,7 +94,8 @@ void Walk(usrDownload& vPage, const Options& vOptions) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::cerr << "usage: download_page SERVER FOLDER [--first-run] [--uncheck NAME]...\n";
+    std::cerr
+        << "usage: download_page SERVER FOLDER [--first-run] [--uncheck NAME]... [--trust FILE]\n";
     return 2;
   }
   const Options options = OptionsOf(argc, argv);
