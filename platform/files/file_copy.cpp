@@ -27,13 +27,6 @@ std::ifstream OpenSource(const fs::path& path) {
   return source;
 }
 
-fs::path FollowLink(const fs::path& path) {
-  std::error_code error;
-  if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
-  fs::path file = fs::canonical(path, error);
-  return error ? path : file;
-}
-
 }  // namespace
 
 void CopyFileAtomically(const std::wstring& source, const std::wstring& target) {

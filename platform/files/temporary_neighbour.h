@@ -45,4 +45,8 @@ class TemporaryNeighbour {
 // folder whatever the target's name.
 std::filesystem::path NeighbourOf(const std::filesystem::path& target);
 
+// The file that a link leads to, for a target that must be none. A path that is no link comes back
+// as it is, and so does a link that leads nowhere.
+std::filesystem::path FollowLink(const std::filesystem::path& path);
+
 }  // namespace files

@@ -5,14 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <new>
-#include <optional>
 #include <stdexcept>
 
 #include "app/modShared.h"
 #include "platform/files/paths.h"
 #include "platform/text/locale.h"
 #include "platform/text/runtime_error.h"
+#include "tests/support/numbered_texts.h"
 #include "tests/support/recording_prompt.h"
+#include "tests/support/scripted_event_pump.h"
 
 namespace {
 
@@ -21,26 +22,12 @@ using testing::ElementsAre;
 constexpr text::Locale kDutch{L',', L'.'};
 constexpr text::Locale kEnglish{L'.', L','};
 
-class ErrorHeading final : public language::LanguageProvider {
+// Its texts are numbers, but for the heading of an error report.
+class ErrorHeading final : public test_support::NumberedTexts {
  public:
-  std::int16_t LoadLanguageFile(const std::wstring&) override { return language::kLoaded; }
   std::wstring GetText(std::int32_t vNumber) const override {
-    return vNumber == 104 ? L"Error!/pDetails:" : L"";
+    return vNumber == 104 ? L"Error!/pDetails:" : NumberedTexts::GetText(vNumber);
   }
-  std::wstring GetToolTipText(std::int32_t) const override { return {}; }
-  std::wstring GetMessageText(std::int32_t) const override { return {}; }
-};
-
-// Ends the work in hand at the n-th DoEvents.
-class EndingPump final : public controls::EventPump {
- public:
-  explicit EndingPump(int vTurns) : m_turns(vTurns) {}
-  void DoEvents() override {
-    if (--m_turns == 0) throw ProcessEnding();
-  }
-
- private:
-  int m_turns;
 };
 
 class GeneralFunctionsTest : public testing::Test {
@@ -63,29 +50,29 @@ TEST_F(GeneralFunctionsTest, PSplitFollowsItsRules) {
     const wchar_t* line;
     Fields fields;  // without the empty one at index 0
   } cases[] = {
-      {L"A,B,C", {L"A", L"B", L"C"}},
       {L"A,,C", {L"A", L"", L"C"}},
-      {L"A,", {L"A", L""}},
       {L",", {L"", L""}},
       {L" a , b ", {L" a ", L" b "}},
-      {L"\"x,y\",z", {L"x,y", L"z"}},
-      {L"a", {L"a"}},
-      {L"\"a\"", {L"a"}},
-      {L"a,\"b\"", {L"a", L"b"}},
-      {L"a,\"b,c\"", {L"a", L"b,c"}},
-      {L"a,\"b", {L"a", L"\"b"}},        // a single quote is not stripped
-      {L"\"a\"b,c", {L"a", L"", L"c"}},  // the b after the closing quote is dropped
-      {L"\"a\"b\"c\",d", {L"a", L"c", L"d"}},
-      {L"x\"a,b\"y,c",
-       {L"\"a,b", L"", L"c"}},  // a quote inside a field: the ends go, not the quotes
-      {L"\"\",\"\"", {L"", L""}},
-      {L"\"a,b\"", {L"a,b"}},
-      {L"x\"a,b\"", {L"\"a,b"}},           // the closing quote ends the line: both ends go
-      {L"\"a,\"b\",c\"", {L"a,", L",c"}},  // a quoted text cannot hold a quote
+      {LR"("x,y",z)", {L"x,y", L"z"}},
+      {LR"("a")", {L"a"}},
+      {LR"(")", {LR"(")"}},  // a single quote is not stripped
+      {LR"(a,"b,c")", {L"a", L"b,c"}},
+      {LR"(a,"b)", {L"a", LR"("b)"}},
+      {LR"("a"b,c)", {L"a", L"", L"c"}},  // the b after the closing quote is dropped
+      {LR"("a"b"c",d)", {L"a", L"c", L"d"}},
+      {LR"("a","b"c)", {L"a", LR"(b")"}},
+      {LR"(""a,b)", {L"", L"", L"b"}},
+      {LR"(x"a,b"y,c)",
+       {LR"("a,b)", L"", L"c"}},  // a quote inside a field: the ends go, not the quotes
+      {LR"(a"b"c)", {LR"("b")"}},
+      {LR"("","")", {L"", L""}},
+      {LR"(x"a,b")", {LR"("a,b)"}},       // the closing quote ends the line: both ends go
+      {LR"("a,"b",c")", {L"a,", L",c"}},  // a quoted text cannot hold a quote
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(std::wstring(c.line)));
     std::wstring line = c.line;
+    EXPECT_EQ(PSplitCount(line), c.fields.size());
     Fields fields = PSplit(line);
     ASSERT_FALSE(fields.empty());
     EXPECT_EQ(fields.front(), L"");
@@ -97,84 +84,18 @@ TEST_F(GeneralFunctionsTest, PSplitFollowsItsRules) {
   EXPECT_TRUE(PSplit(empty).empty());
 }
 
-// The splitter's steps taken literally, shortening the line field by field. Nothing for a line that
-// never ends.
-std::optional<std::vector<std::wstring>> SplitStepByStep(std::wstring vLine) {
-  std::vector<std::wstring> fields;
-  if (vLine.empty()) return fields;
-  constexpr auto kNone = std::wstring::npos;
-  const auto without_ends = [](const std::wstring& text) {
-    return text.substr(1, text.size() - 2);
-  };
-  fields.emplace_back();
-  while (vLine.find(L',') != kNone) {
-    const std::size_t comma = vLine.find(L',');
-    const std::size_t quote = vLine.find(L'"');
-    if (quote == kNone || quote > comma) {
-      fields.push_back(vLine.substr(0, comma));
-      vLine.erase(0, comma + 1);
-      continue;
-    }
-    const std::size_t closing = vLine.find(L'"', quote + 1);
-    if (closing == kNone) return std::nullopt;
-    if (closing == vLine.size() - 1) {
-      vLine = without_ends(vLine);
-      break;
-    }
-    fields.push_back(without_ends(vLine.substr(0, closing + 1)));
-    vLine.erase(0, closing + 2);
-  }
-  const std::size_t quote = vLine.find(L'"');
-  if (quote != kNone && vLine.find(L'"', quote + 1) != kNone) vLine = without_ends(vLine);
-  fields.push_back(vLine);
-  return fields;
-}
-
-TEST_F(GeneralFunctionsTest, PSplitAgreesWithItsStepsOnEveryShortLine) {
-  constexpr wchar_t kCharacters[] = {L'a', L',', L'"'};
-  constexpr int kLongest = 9;
-  int combinations = 1;
-  for (int length = 0; length <= kLongest; ++length, combinations *= 3) {
-    for (int code = 0; code < combinations; ++code) {
-      std::wstring line;
-      for (int rest = code, i = 0; i < length; ++i, rest /= 3) line += kCharacters[rest % 3];
-      EndingPump pump(1);
-      m_shared.objEventPump = &pump;
-      const std::wstring whole = line;
-      std::optional<std::vector<std::wstring>> fields;
-      try {
-        fields = PSplit(line);
-      } catch (const ProcessEnding&) {
-        fields.reset();
-      }
-      ASSERT_EQ(fields, SplitStepByStep(whole)) << testing::PrintToString(whole);
-      if (fields) {
-        ASSERT_EQ(PSplitCount(whole), fields->empty() ? 0 : fields->size() - 1);
-      }
-    }
-  }
-}
-
 TEST_F(GeneralFunctionsTest, PSplitOfAnUnclosedQuoteEndsOnlyThroughDoEvents) {
-  EndingPump pump(1000);
+  test_support::ScriptedEventPump pump;
+  pump.meanwhile = [&pump] {
+    if (pump.calls % 1000 == 0) throw ProcessEnding();
+  };
   m_shared.objEventPump = &pump;
-  for (const wchar_t* const text : {L"\"a,b", L"x,\"a,b", L"\"x\",y\",z"}) {
+  for (const wchar_t* const text : {L"\"a,b", L"x,\"a,b", L"\"x\",y\",z", L"\","}) {
     std::wstring line = text;
     EXPECT_THROW(PSplit(line), ProcessEnding);
-    pump = EndingPump(1000);
     EXPECT_THROW(PSplitCount(line), ProcessEnding);
-    pump = EndingPump(1000);
   }
   EXPECT_TRUE(m_prompt.messages.empty());
-}
-
-// A million fields; the quadratic way would take hours.
-TEST_F(GeneralFunctionsTest, PSplitOfAHugeLine) {
-  std::wstring line;
-  for (int i = 0; i < 1'000'000; ++i) line += i % 2 == 0 ? L"0123456789," : L"\"a,b\",";
-  const auto fields = PSplit(line);
-  ASSERT_EQ(fields.size(), 1'000'002U);
-  EXPECT_EQ(fields[1'000'000], L"a,b");
 }
 
 TEST_F(GeneralFunctionsTest, ErrorReportTellsNumberAndDescription) {
@@ -210,6 +131,14 @@ TEST_F(GeneralFunctionsTest, NoBoundaryKeepsAnEndingProcess) {
   EXPECT_THROW(end_inside([] { ShowErrorMessage(L"x"); }), ProcessEnding);
   EXPECT_THROW(end_inside([] { IgnoreError(); }), ProcessEnding);
   EXPECT_TRUE(m_prompt.messages.empty());
+}
+
+TEST(GeneralFunctionsPromptTest, WithoutAnInstalledOneMessagesReachStandardError) {
+  testing::internal::CaptureStderr();
+  ShowMessage(L"lost? \u00E9", L"");
+  EXPECT_FALSE(Shared().objPrompt->AskYesNo(L"sure?", L""));
+  DoEvents();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "lost? \xC3\xA9\nsure?\n");
 }
 
 TEST_F(GeneralFunctionsTest, ShowMessageUsesTheApplicationTitleForNone) {

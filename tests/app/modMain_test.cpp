@@ -5,6 +5,7 @@
 
 #include "app/modShared.h"
 #include "tests/support/memory_registry.h"
+#include "tests/support/numbered_texts.h"
 #include "tests/support/recording_prompt.h"
 
 namespace {
@@ -17,7 +18,7 @@ constexpr wchar_t kMachineKey[] = L"Software\\Velkor Software\\Orvane\\3.2\\Sett
 constexpr wchar_t kBuiltInTitle[] = L"Orvane Wizard Prijsaanpassingen";
 
 // A language that keeps what it was asked to load, and what the shared record held by then.
-class WatchedLanguage final : public language::LanguageProvider {
+class WatchedLanguage final : public test_support::NumberedTexts {
  public:
   std::int16_t LoadLanguageFile(const std::wstring& name) override {
     loaded.push_back(name);
@@ -26,10 +27,8 @@ class WatchedLanguage final : public language::LanguageProvider {
     return status;
   }
   std::wstring GetText(std::int32_t number) const override {
-    return loaded.empty() ? L"" : L"#" + std::to_wstring(number);
+    return loaded.empty() ? L"" : NumberedTexts::GetText(number);
   }
-  std::wstring GetToolTipText(std::int32_t) const override { return {}; }
-  std::wstring GetMessageText(std::int32_t) const override { return {}; }
 
   std::int16_t status = language::kLoaded;
   std::vector<std::wstring> loaded;
@@ -81,17 +80,6 @@ TEST_F(modMainTest, OnlyStatusOneEndsTheProgram) {
     EXPECT_EQ(shared.strApplicationTitle, L"#0");
   }
   EXPECT_THAT(prompt.messages, testing::IsEmpty());
-}
-
-TEST_F(modMainTest, ASettingIsATextOrANumberOrNothing) {
-  GetOrvRegistrySettings();
-  EXPECT_EQ(shared.strLanguageFile, L"");
-  EXPECT_EQ(shared.strWelcomeText, L"");
-  Store(L"PAPUPDATERLANGUAGE", 5U);
-  Store(L"PAPUPDATERWELCOME", registry::OtherKind{});
-  EXPECT_TRUE(PrepareWizard(language));
-  EXPECT_THAT(language.loaded, ElementsAre(L"005"));
-  EXPECT_EQ(shared.strWelcomeText, L"");
 }
 
 // Each read tells so; the program goes on with what it has by itself.

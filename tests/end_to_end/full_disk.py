@@ -8,11 +8,10 @@ The file may not grow beyond a limit (RLIMIT_FSIZE), which the program meets as 
 
 import pathlib
 import resource
-import subprocess
 import sys
 import tempfile
 
-from update_files import Table, write_update
+from update_files import demo_table, write_update
 
 PAGE = 4096
 DISK_FULL_TEXT = "Not enough space on disk."
@@ -24,11 +23,9 @@ def expect(condition, what, done):
 
 
 def main():
-    paptool = sys.argv[1]
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
-        subprocess.run([paptool, "demo", str(folder / "demo")], check=True, stdout=subprocess.DEVNULL)
-        table = Table(paptool, folder / "demo" / "Orv.pt")
+        table = demo_table(sys.argv[1], folder)
         codes = [f"F{i:05d}" for i in range(400)]
         update = folder / "FULL.PRC"
         write_update(update, codes)

@@ -89,3 +89,9 @@ class Table:
         """The codes that have no article, or an article without a price."""
         priced = {row["fkArticle"] for row in self.rows("ArtPrice")}
         return set(codes) - {row["Code"] for row in self.rows("Article") if row["ID"] in priced}
+
+
+def demo_table(paptool, folder):
+    """The product table of a new demo installation below the folder."""
+    subprocess.run([paptool, "demo", str(folder / "demo")], check=True, stdout=subprocess.DEVNULL)
+    return Table(paptool, folder / "demo" / "Orv.pt")

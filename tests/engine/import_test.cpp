@@ -8,6 +8,7 @@
 #include "platform/text/locale.h"
 #include "store/modProductTable.h"
 #include "tests/engine/update_test.h"
+#include "tests/support/scripted_event_pump.h"
 
 namespace {
 
@@ -79,18 +80,6 @@ TEST_F(ImportTest, ASecondTimeChangesNothing) {
   EXPECT_EQ(everything(), once);
   // The clearing of what was there is told now.
   EXPECT_THAT(logged, testing::AllOf(Contains("#74|"), Contains("#77|")));
-}
-
-TEST_F(ImportTest, EmptyFileSectionsLeaveEverythingAsItIs) {
-  ApplyOpeningUpdates();
-  const auto prices = Rows(L"ArtPrice", {L"fkArticle", L"PriceDim", L"CoatPrice", L"fkBPG"});
-  EXPECT_TRUE(Apply("[VERSION]\r\n3.2\r\n"));
-  EXPECT_THAT(maxima, ElementsAre(0, 0, 0, 0, 0, 0, 0, 0, 0));
-  EXPECT_THAT(progress, IsEmpty());
-  EXPECT_THAT(shown, SizeIs(4));
-  EXPECT_EQ(Rows(L"ArtPrice", {L"fkArticle", L"PriceDim", L"CoatPrice", L"fkBPG"}), prices);
-  EXPECT_THAT(Rows(L"OverlengthBonus", {L"Price"}), SizeIs(3));
-  EXPECT_THAT(Rows(L"BasePrice", {L"BasePrice"}), SizeIs(3));
 }
 
 TEST_F(ImportTest, FailureOfTheFirstStepsEndsTheImport) {
@@ -234,46 +223,37 @@ TEST_F(ImportTest, WithoutALinkTheDatesFailInSilence) {
   EXPECT_THAT(prompt.messages, IsEmpty());
 }
 
-TEST_F(ImportTest, ProductTableThatCannotBeOpenedRaisesNoEvent) {
-  clsOrvPap& update = NextUpdate(kEverySection);
-  EXPECT_FALSE(update.UpdatePT(folder.Text("missing.pt")));
-  EXPECT_THAT(logged, IsEmpty());
-  EXPECT_THAT(maxima, IsEmpty());
-  EXPECT_THAT(prompt.messages, SizeIs(2));
-}
-
-// A missing update file is an error; then there is nothing to apply but the dates.
+// A missing update file is an error; then there is nothing to apply but the dates, and nothing that
+// the prices would be cleared for.
 TEST_F(ImportTest, MissingUpdateFileChangesNoPrice) {
   ApplyOpeningUpdates();
-  const auto prices = Rows(L"ArtPrice", {L"fkArticle", L"PriceDim"});
+  const auto everything = [&] {
+    return std::vector{Rows(L"ArtPrice", {L"fkArticle", L"PriceDim", L"CoatPrice", L"fkBPG"}),
+                       Rows(L"OverlengthBonus", {L"Price"}), Rows(L"BasePrice", {L"BasePrice"})};
+  };
+  const auto before = everything();
   NextUpdate("").FilePath = folder.Text("missing.PRC");
   EXPECT_TRUE(Apply());
   ASSERT_THAT(prompt.messages, SizeIs(1));
   EXPECT_THAT(prompt.messages[0].text, HasSubstr(L"53: File not found"));
   EXPECT_EQ(shown.front(), "! #64|53: File not found");
-  EXPECT_EQ(Rows(L"ArtPrice", {L"fkArticle", L"PriceDim"}), prices);
+  EXPECT_THAT(maxima, ElementsAre(0, 0, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_EQ(everything(), before);
 }
 
-// Ends the process at some turn of a clearing loop: what was cleared is cleared whole.
-class EndingPump final : public controls::EventPump {
- public:
-  void DoEvents() override {
-    if (armed && --turns == 0) throw ProcessEnding();
-  }
-  bool armed = false;
-  int turns = 1;
-};
-
+// What was cleared is cleared whole.
 TEST_F(ImportTest, ClearingLoopLetsTheProcessEndBetweenRows) {
   ApplyOpeningUpdates();
-  EndingPump pump;
+  test_support::ScriptedEventPump pump;
   settings.objEventPump = &pump;
   clsOrvPap& update = NextUpdate("[UPDATE PRICEDATA]\nHEA100,12,1,2,3,4,G1,D1,\n");
   const auto record = update.ShowListMessage;
   update.ShowListMessage = [&](const std::wstring& message, const std::wstring& detail, bool show,
                                bool error) {
     record(message, detail, show, error);
-    pump.armed = message == L"#77";
+    pump.meanwhile = [ends = message == L"#77"] {
+      if (ends) throw ProcessEnding();
+    };
   };
   EXPECT_THROW(Apply(), ProcessEnding);
   ProductConnection.reset();

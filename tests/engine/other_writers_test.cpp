@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
-#include <set>
 
 #include "demo/update_files.h"
 #include "engine/clsOrvPap.h"
@@ -64,83 +62,30 @@ class OtherWritersTest : public test_support::ProductTableTest {
   }
 
  private:
-  using Codes = std::map<std::string, std::string>;  // key to code
-
   void EraseFolder(std::string& line) const {
     const std::string path = folder.path().string();
     if (const auto at = line.find(path); at != std::string::npos) line.erase(at, path.size());
   }
 
-  static std::vector<std::string> Split(const std::string& row) {
-    std::vector<std::string> parts(1);
-    for (const char c : row) {
-      if (c == '|') {
-        parts.emplace_back();
-      } else {
-        parts.back() += c;
-      }
-    }
-    return parts;
-  }
-
-  Codes CodesOf(const std::wstring& table, const std::wstring& key, const std::wstring& code) {
-    Codes codes;
-    for (const std::string& row : Rows(table, {key, code})) {
-      const auto parts = Split(row);
-      codes[parts[0]] = parts[1];
-    }
-    return codes;
-  }
-
-  // The rows of a table that belong to one of the given codes, with codes for the keys in their
-  // first columns.
-  void Add(std::vector<std::string>& all, const std::wstring& table,
-           const std::vector<std::pair<std::wstring, const Codes*>>& keys,
-           const std::vector<std::wstring>& columns, const std::set<std::string>& wanted) {
-    std::vector<std::wstring> all_columns;
-    all_columns.reserve(keys.size() + columns.size());
-    for (const auto& key : keys) all_columns.push_back(key.first);
-    all_columns.insert(all_columns.end(), columns.begin(), columns.end());
-    for (const std::string& row : Rows(table, all_columns)) {
-      auto parts = Split(row);
-      for (std::size_t i = 0; i < keys.size(); ++i) {
-        const auto code = keys[i].second->find(parts[i]);
-        if (code != keys[i].second->end()) parts[i] = code->second;
-      }
-      if (!wanted.contains(parts[0])) continue;
-      std::string line = text::WideToUtf8(table);
-      for (const std::string& part : parts) line.append("|").append(part);
-      all.push_back(line);
-    }
-  }
-
+  // The demo suppliers' discounts and prices of articles, in no order.
   std::vector<std::string> DemoRows() {
-    const Codes suppliers = CodesOf(L"Supplier", L"ID", L"Code");
-    const Codes series = CodesOf(L"Serie", L"SerieNr", L"SerieCode");
-    const Codes articles = CodesOf(L"Article", L"ID", L"Code");
-    const Codes groups = CodesOf(L"BPG", L"ID", L"Code");
-    const Codes discounts = CodesOf(L"Discount", L"ID", L"Code");
-    const std::set<std::string> our_suppliers = {"VELDHAVEN", "BRUGMEER", "OOSTRAND"};
-    const std::set<std::string> our_series = {"HEA", "HEB", "IPE", "UNP", "L-GEL", "L-ONG", "WG",
-                                              "KG",  "SZ",  "TR",  "NL",  "PR",    "VK",    "RVS"};
     std::vector<std::string> all;
-    Add(all, L"Supplier", {}, {L"Code", L"Description", L"ToA", L"ToB", L"Rights"}, our_suppliers);
-    Add(all, L"Serie", {}, {L"SerieCode", L"Description", L"UseOverlengthBonus"}, our_series);
-    Add(all, L"Article", {{L"fkSerie", &series}}, {L"Code", L"Description", L"Description2"},
-        our_series);
-    Add(all, L"Discount", {{L"fkSupplier", &suppliers}},
-        {L"Code", L"Description", L"DiscPercA", L"DiscPercB", L"DiscPercC"}, our_suppliers);
-    Add(all, L"BPG", {{L"fkSupplier", &suppliers}},
-        {L"Code", L"Description", L"DimUnit", L"PriceUnit"}, our_suppliers);
-    Add(all, L"OverlengthBonus", {{L"fkSupplier", &suppliers}}, {L"Begin", L"End", L"Price"},
-        our_suppliers);
-    Add(all, L"ArtPrice",
-        {{L"fkSupplier", &suppliers},
-         {L"fkArticle", &articles},
-         {L"fkBPG", &groups},
-         {L"fkDiscount", &discounts}},
-        {L"PriceDim", L"OverPrice", L"SawPrice", L"BlastPrice", L"CoatPrice", L"ArtNrSupplier"},
-        our_suppliers);
+    for (const wchar_t* supplier : {L"VELDHAVEN", L"BRUGMEER", L"OOSTRAND"}) {
+      const std::wstring of_supplier = std::wstring(L" WHERE Supplier.Code = '") + supplier + L"'";
+      for (const auto& rows :
+           {Rows(L"SELECT Discount.* FROM Supplier INNER JOIN Discount ON Supplier.ID = "
+                 L"Discount.fkSupplier" +
+                     of_supplier,
+                 {L"Code", L"Description", L"DiscPercA", L"DiscPercB", L"DiscPercC"}),
+            Rows(L"SELECT Article.Code, Article.Description, ArtPrice.* FROM Supplier INNER JOIN "
+                 L"(Article INNER JOIN ArtPrice ON Article.ID = ArtPrice.fkArticle) ON Supplier.ID "
+                 L"= ArtPrice.fkSupplier" +
+                     of_supplier,
+                 {L"Code", L"Description", L"PriceDim", L"OverPrice", L"SawPrice", L"BlastPrice",
+                  L"CoatPrice", L"ArtNrSupplier"})}) {
+        all.insert(all.end(), rows.begin(), rows.end());
+      }
+    }
     std::sort(all.begin(), all.end());
     return all;
   }
@@ -150,7 +95,7 @@ TEST_F(OtherWritersTest, UpdatesHaveTheSameOutcome) {
   const char* shared = std::getenv("ORVPAP_SHARED");
   if (shared == nullptr) GTEST_SKIP() << "ORVPAP_SHARED names no folder with product tables";
   const Outcome expected = ApplyEverything();
-  ASSERT_GT(expected.rows.size(), 800u);
+  ASSERT_GT(expected.rows.size(), 400u);
   for (const char* name : {"linked.pt", "loose.pt", "large.pt"}) {
     SCOPED_TRACE(name);
     UseProductTable(fs::path(shared) / "product-tables" / name);

@@ -19,8 +19,8 @@ class PriceStepsTest : public UpdateTest {
  protected:
   PriceStepsTest() { ApplyOpeningUpdates(); }
 
-  // Gives a column another name of the same length, wherever it stands in the file.
-  void RenameColumn(const std::string& name, const std::string& new_name) {
+  // Gives a column another last letter, wherever its name stands in the file.
+  void RenameColumn(const std::string& name) {
     CloseConnection();
     ProductConnection.reset();
     const auto path = files::ToPath(product_table);
@@ -28,7 +28,7 @@ class PriceStepsTest : public UpdateTest {
     const std::string from = Utf16(name);
     std::size_t found = 0;
     for (std::size_t at = 0; (at = bytes.find(from, at)) != std::string::npos; ++found) {
-      bytes.replace(at, from.size(), Utf16(new_name));
+      bytes[at + from.size() - 2] = 'x';
     }
     ASSERT_GT(found, 0U);
     folder.Write(path.filename(), bytes);
@@ -45,45 +45,27 @@ class PriceStepsTest : public UpdateTest {
 // What would be cleared stays where it could not be written again, and the list tells why.
 TEST_F(PriceStepsTest, AMissingColumnClearsNothing) {
   const std::string file(test_support::ReadAll(files::ToPath(product_table)));
+  const char* const prices = "[UPDATE PRICEDATA]\nHEA100,99,1,2,3,4,G1,D1,\n";
+  const char* const steps = "[UPDATE BASEPRICE]\nG1,Group,1,1,0,10,9.9\n";
+  const char* const bonuses = "[UPDATE OVERLENGTHBONUS]\n10,20,0.9\n";
   const struct {
     const char* column;
-    const char* renamed;
     const char* lines;
     const wchar_t* table;
-    std::vector<std::wstring> columns;  // those that are left
+    std::vector<std::wstring> columns;  // some of those that are left
   } cases[] = {
-      {"PriceDim",
-       "Pricedxm",
-       "[UPDATE PRICEDATA]\nHEA100,99,1,2,3,4,G1,D1,\n",
-       L"ArtPrice",
-       {L"fkArticle", L"OverPrice", L"fkBPG", L"fkDiscount", L"ArtNrSupplier"}},
-      {"BlastPrice",
-       "Blastpryce",
-       "[UPDATE PRICEDATA]\nHEA100,99,1,2,3,4,G1,D1,\n",
-       L"ArtPrice",
-       {L"fkArticle", L"OverPrice", L"PriceDim", L"ArtNrSupplier"}},
-      {"Begin",
-       "Begyn",
-       "[UPDATE BASEPRICE]\nG1,Group,1,1,0,10,9.9\n",
-       L"BasePrice",
-       {L"ID", L"End", L"BasePrice"}},
-      {"Begin",
-       "Begyn",
-       "[UPDATE OVERLENGTHBONUS]\n10,20,0.9\n",
-       L"OverlengthBonus",
-       {L"fkSupplier", L"End", L"Price"}},
-      {"PriceUnit",
-       "Priceunyt",
-       "[UPDATE BASEPRICE]\nG1,Group,1,1,0,10,9.9\n",
-       L"BasePrice",
-       {L"ID", L"Begin", L"BasePrice"}},
+      {"PriceDim", prices, L"ArtPrice", {L"fkArticle", L"OverPrice", L"fkBPG"}},
+      {"BlastPrice", prices, L"ArtPrice", {L"fkArticle", L"OverPrice", L"PriceDim"}},
+      {"Begin", steps, L"BasePrice", {L"ID", L"End", L"BasePrice"}},
+      {"PriceUnit", steps, L"BasePrice", {L"ID", L"Begin", L"BasePrice"}},
+      {"Begin", bonuses, L"OverlengthBonus", {L"fkSupplier", L"End", L"Price"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.column);
     CloseConnection();
     ProductConnection.reset();
     folder.Write("Orv.pt", file);
-    RenameColumn(c.column, c.renamed);
+    RenameColumn(c.column);
     const auto before = Rows(c.table, c.columns);
     EXPECT_FALSE(Apply(c.lines));
     EXPECT_THAT(shown, Contains(AllOf(StartsWith("! #64|"), HasSubstr("3265: "),

@@ -6,31 +6,17 @@
 
 #include "app/modShared.h"
 #include "engine/clsOrvPap.h"
-#include "platform/controls/services.h"
 #include "platform/files/paths.h"
 #include "platform/text/runtime_error.h"
+#include "tests/support/recording_prompt.h"
+#include "tests/support/scripted_event_pump.h"
 #include "tests/support/temporary_folder.h"
 #include "updates/modSharedPap.h"
 
 namespace {
 
 // The splitter turns for ever on a line whose first quoted field is not closed; this ends it.
-class BoundedEventPump final : public controls::EventPump {
- public:
-  void DoEvents() override {
-    if (++turns_ > kMostTurns) throw ProcessEnding{};
-  }
-
- private:
-  static constexpr int kMostTurns = 20000;
-  int turns_ = 0;
-};
-
-class SilentPrompt final : public controls::Prompt {
- public:
-  void ShowMessage(const std::wstring&, const std::wstring&) override {}
-  bool AskYesNo(const std::wstring&, const std::wstring&) override { return true; }
-};
+constexpr int kMostTurns = 20000;
 
 }  // namespace
 
@@ -40,8 +26,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       files::ToText(folder.Write("UPDATE.PRC", {reinterpret_cast<const char*>(data), size}));
   std::filesystem::create_directories(folder / "written");
 
-  BoundedEventPump pump;
-  SilentPrompt prompt;
+  test_support::ScriptedEventPump pump;
+  pump.meanwhile = [&pump] {
+    if (pump.calls > kMostTurns) throw ProcessEnding{};
+  };
+  test_support::RecordingPrompt prompt;
   SharedSettings settings;
   settings.objEventPump = &pump;
   settings.objPrompt = &prompt;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace test_support {
 
@@ -16,11 +17,14 @@ class Socket {
   static Socket Listen();
   static Socket Refuse();
   Socket() = default;
-  Socket(Socket&& other) noexcept;
-  Socket& operator=(Socket&& other) noexcept;
+  Socket(Socket&& other) noexcept : native_(std::exchange(other.native_, kClosed)) {}
+  Socket& operator=(Socket&& other) noexcept {
+    std::swap(native_, other.native_);
+    return *this;
+  }
   Socket(const Socket&) = delete;
   Socket& operator=(const Socket&) = delete;
-  ~Socket();
+  ~Socket() { Close(); }
 
   bool IsOpen() const { return native_ != kClosed; }
   int Port() const;

@@ -37,6 +37,13 @@ SurfaceTest::SurfaceTest() : scope_(settings) {
 
 SurfaceTest::~SurfaceTest() { ProductConnection.reset(); }
 
+std::vector<std::string> SurfaceTest::Boxes() {
+  std::vector<std::string> shown;
+  for (const auto& message : prompt.messages) shown.push_back(text::WideToUtf8(message.text));
+  prompt.messages.clear();
+  return shown;
+}
+
 ProductTableTest::ProductTableTest() : product_table(NewProductTable(folder / "Orv.pt")) {}
 
 database::Connection& ProductTableTest::Connection() {
@@ -52,6 +59,17 @@ void ProductTableTest::AddRow(const std::wstring& table, const Values& values) {
   rows.AddNew();
   for (const auto& [column, value] : values) rows(column) = value;
   rows.Update();
+}
+
+void ProductTableTest::SetIdentity(const std::wstring& column, const text::Variant& value) {
+  {
+    database::Recordset info;
+    info.Open(L"SysDBInfo", Connection(), database::CursorType::kDynamic,
+              database::LockType::kOptimistic);
+    info(column) = value;
+    info.Update();
+  }
+  CloseConnection();
 }
 
 std::vector<std::string> ProductTableTest::Rows(const std::wstring& statement,

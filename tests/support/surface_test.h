@@ -26,6 +26,9 @@ class SurfaceTest : public testing::Test {
   SurfaceTest();
 
   TemporaryFolder folder;
+  // The texts of the message boxes since the last call, in UTF-8.
+  std::vector<std::string> Boxes();
+
   RecordingPrompt prompt;
   NumberedTexts texts;
   SharedSettings settings;
@@ -33,6 +36,8 @@ class SurfaceTest : public testing::Test {
  private:
   SharedSettingsScope scope_;
 };
+
+using Values = std::map<std::wstring, text::Variant>;  // of a row, by column
 
 // With a new product table, empty but for its identity row.
 class ProductTableTest : public SurfaceTest {
@@ -44,9 +49,10 @@ class ProductTableTest : public SurfaceTest {
   // Closes it, for a test that changes the file by other means.
   void CloseConnection();
 
-  using Values = std::map<std::wstring, text::Variant>;
   // Adds a row by itself, past all record writers.
   void AddRow(const std::wstring& table, const Values& values);
+  // Changes what the product table says about itself, by itself too, and closes the connection.
+  void SetIdentity(const std::wstring& column, const text::Variant& value);
 
   // What a statement selects, a text a row: the named columns separated by "|", Null as "Null",
   // numbers with ".", in the order of the rows. In UTF-8, which a failing test can print.

@@ -40,16 +40,19 @@ TEST_F(DemoCommandTest, RunsByItself) {
   EXPECT_THAT(Lines(tables.out),
               testing::IsSupersetOf({"Supplier\t2", "Assortment\t3", "Article\t319"}));
 
+  const auto apply = [&](const fs::path& update) {
+    return RunProgram(
+        program,
+        {"apply", "--no-backup", "--log", Path("log.txt"), "--table", table, update.string()},
+        folder.path());
+  };
   int refusals = 0;
   for (const fs::path& update : Updates()) {
     SCOPED_TRACE(update.string());
     const std::vector<std::string> shown =
         Lines(RunProgram(program, {"show", update.string()}, folder.path()).out);
     EXPECT_THAT(shown, testing::Not(Contains(StartsWith("line "))));
-    const ProgramOutcome applied = RunProgram(
-        program,
-        {"apply", "--no-backup", "--log", Path("log.txt"), "--table", table, update.string()},
-        folder.path());
+    const ProgramOutcome applied = apply(update);
     EXPECT_THAT(applied.err, testing::IsEmpty());
     int refused = 0;
     for (const std::string& line : Lines(applied.out)) refused += line.starts_with("! ") ? 1 : 0;
@@ -58,10 +61,7 @@ TEST_F(DemoCommandTest, RunsByItself) {
   }
   EXPECT_EQ(refusals, 4);
   for (const auto& update : fs::directory_iterator(folder / "demo" / "server")) {
-    const ProgramOutcome applied = RunProgram(program,
-                                              {"apply", "--no-backup", "--log", Path("log.txt"),
-                                               "--table", table, update.path().string()},
-                                              folder.path());
+    const ProgramOutcome applied = apply(update);
     EXPECT_EQ(applied.status, 0) << applied.out;
   }
   const ProgramOutcome checked = RunProgram(program, {"check", "--table", table}, folder.path());
@@ -98,29 +98,22 @@ TEST_F(DemoCommandTest, SaysWhatToDoWhereNoFolderCanBe) {
   EXPECT_THAT(outcome.err, HasSubstr("Give a folder that you may write to."));
 }
 
-// The masses that the standards print beside the dimensions, in kg a metre.
+// The masses that the standards print beside the dimensions, in kg a metre: one of each shape.
 TEST(CatalogueTest, MassesAgreeWithTheStandards) {
-  const std::map<std::wstring, double> printed = {
-      {L"HEA100", 16.7},     {L"HEA200", 42.3},      {L"HEA360", 112},       {L"HEA600", 178},
-      {L"HEA800", 224},      {L"HEA1000", 272},      {L"HEB100", 20.4},      {L"HEB240", 83.2},
-      {L"HEB500", 187},      {L"HEB700", 241},       {L"HEB1000", 314},      {L"IPE80", 6.0},
-      {L"IPE160", 15.8},     {L"IPE270", 36.1},      {L"IPE360", 57.1},      {L"IPE600", 122},
-      {L"UNP80", 8.64},      {L"UNP200", 25.3},      {L"UNP320", 59.5},      {L"UNP400", 71.8},
-      {L"L20X20X3", 0.882},  {L"L50X50X5", 3.77},    {L"L100X100X10", 15.0}, {L"L200X200X24", 71.1},
-      {L"L100X50X8", 8.97},  {L"L150X75X10", 17.0},  {L"L200X150X15", 39.6}, {L"NL21.3X2", 0.952},
-      {L"NL48.3X3.2", 3.56}, {L"NL114.3X6.3", 16.8}, {L"NL323.9X10", 77.4},  {L"PR20X2", 0.888},
-      {L"VK100X5", 14.4},    {L"VK50X3", 4.25},
+  std::map<std::wstring, double> printed = {
+      {L"HEA200", 42.3},  {L"HEB500", 187},       {L"IPE360", 57.1},
+      {L"UNP200", 25.3},  {L"L50X50X5", 3.77},    {L"L200X150X15", 39.6},
+      {L"PR20X2", 0.888}, {L"NL114.3X6.3", 16.8}, {L"VK100X5", 14.4},
   };
-  std::map<std::wstring, double> ours;
   for (const auto& range : {demo::Profiles(), demo::Tubes(), demo::SquareTubes()}) {
     for (const demo::Product& product : range.products) {
-      ours[product.article.Code] = product.mass;
+      const auto mass = printed.extract(product.article.Code);
+      if (!mass) continue;
+      EXPECT_NEAR(product.mass, mass.mapped(), mass.mapped() * 0.006)
+          << text::WideToUtf8(product.article.Code);
     }
   }
-  for (const auto& [code, mass] : printed) {
-    ASSERT_TRUE(ours.contains(code)) << text::WideToUtf8(code);
-    EXPECT_NEAR(ours[code], mass, mass * 0.006) << text::WideToUtf8(code);
-  }
+  EXPECT_THAT(printed, testing::IsEmpty()) << "not in the catalogue";
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 // Runs paptool on files in a temporary folder.
 #include "tests/tools/paptool_test.h"
 
+#include <sstream>
+
 #include "demo/product_table.h"
 #include "platform/files/paths.h"
 #include "platform/text/code_page.h"
-
-PaptoolTest::PaptoolTest() = default;
 
 ProgramOutcome PaptoolTest::Run(const std::vector<std::string>& arguments) const {
   return RunProgram(PAPTOOL_FILE, arguments, folder.path());
@@ -20,6 +20,14 @@ std::string PaptoolTest::MakeProductTable() const {
   return Path("Orv.pt");
 }
 
+std::string PaptoolTest::MakeDatabase(const jet::TableSpec& table,
+                                      std::vector<jet::Row> rows) const {
+  const auto database = jet::Database::Create(folder / "values.mdb");
+  database->CreateTable(table);
+  for (jet::Row& row : rows) database->OpenTable(table.name).Insert(row);
+  return Path("values.mdb");
+}
+
 std::string PaptoolTest::MakeLanguageFile() const {
   std::string texts = "language file: Test\n";
   for (int number = 50; number <= 104; ++number) {
@@ -32,13 +40,8 @@ std::string PaptoolTest::MakeLanguageFile() const {
 }
 
 std::vector<std::string> Lines(const std::string& output) {
+  std::istringstream text(output);
   std::vector<std::string> lines;
-  std::size_t at = 0;
-  while (at < output.size()) {
-    const std::size_t end = output.find('\n', at);
-    lines.push_back(output.substr(at, end - at));
-    if (end == std::string::npos) break;
-    at = end + 1;
-  }
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
 }

@@ -1,10 +1,6 @@
 // paptool processed: the register as it is in a file, and as the import leaves it.
 #include <gmock/gmock.h>
 
-#include <chrono>
-#include <thread>
-
-#include "platform/jet/database.h"
 #include "tests/tools/paptool_test.h"
 
 namespace {
@@ -12,20 +8,10 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 constexpr char kNames[] = "FileName\tDate\tAssortiment\tSupplier\tDateProcessed";
 
-class ProcessedCommandTest : public PaptoolTest {
- protected:
-  // A database without a password that holds `table` with these rows.
-  std::string MakeDatabase(const jet::TableSpec& table, std::vector<jet::Row> rows) const {
-    const auto database = jet::Database::Create(folder / "values.mdb");
-    database->CreateTable(table);
-    for (jet::Row& row : rows) database->OpenTable(table.name).Insert(row);
-    return Path("values.mdb");
-  }
-};
+class ProcessedCommandTest : public PaptoolTest {};
 
 TEST_F(ProcessedCommandTest, PrintsTheRegisterOldestFirst) {
   const ProgramOutcome none = Run({"processed", "--table", MakeProductTable()});
@@ -62,31 +48,6 @@ TEST_F(ProcessedCommandTest, PrintsTheRegisterOldestFirst) {
   EXPECT_EQ(other_shape.status, 1);
   EXPECT_THAT(other_shape.out, IsEmpty());
   EXPECT_THAT(other_shape.err, HasSubstr("Too few parameters"));
-}
-
-// Applied twice, an update has one row, with the later time; one with refusals has none.
-TEST_F(ProcessedCommandTest, TellsWhatWasApplied) {
-  ASSERT_EQ(Run({"demo", Path("demo")}).status, 0);
-  const std::string table = Path("demo/Orv.pt");
-  const auto apply = [&] {
-    Run({"apply", "--table", table, "--no-backup",
-         Path("demo/PAP32/20260105_VELDHAVEN_PROFIEL.PRC"),
-         Path("demo/PAP32/20260209_VELDHAVEN_PLAAT.PRC"),
-         Path("demo/PAP32/20040315_VELDHAVEN_PLAAT.PRC")});
-    return Lines(Run({"processed", "--table", table}).out);
-  };
-  EXPECT_THAT(Lines(Run({"processed", "--table", table}).out), ElementsAre(kNames));
-  const auto once = apply();
-  const auto is_register = ElementsAre(
-      kNames,
-      StartsWith("20260105_VELDHAVEN_PROFIEL.PRC\t2026-01-05 00:00:00\tBalken en profielen\t"
-                 "Veldhaven Staalservice\t20"),
-      StartsWith("20040315_VELDHAVEN_PLAAT.PRC\t2004-03-15 00:00:00\tPlaatstaal\t"));
-  ASSERT_THAT(once, is_register);
-  std::this_thread::sleep_for(std::chrono::milliseconds(1100));  // the register keeps whole seconds
-  const auto twice = apply();
-  ASSERT_THAT(twice, is_register);
-  for (std::size_t row = 1; row < twice.size(); ++row) EXPECT_GT(twice[row], once[row]);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "platform/files/paths.h"
 #include "platform/text/code_page.h"
 #include "platform/text/date.h"
-#include "platform/text/runtime_error.h"
+#include "tests/support/error_number.h"
 #include "tests/support/surface_test.h"
 
 namespace {
@@ -105,12 +105,7 @@ TEST_F(HeaderTest, DatesRollOver) {
 TEST_F(HeaderTest, FailuresAreTheCallers) {
   clsOrvPap update;
   const auto number = [&](const std::wstring& path) {
-    try {
-      ReadPapHeader(path, update);
-      return 0;
-    } catch (const text::RuntimeError& error) {
-      return error.number();
-    }
+    return test_support::ErrorNumberOf([&] { ReadPapHeader(path, update); });
   };
   EXPECT_EQ(number(folder.Text("missing.PRC")), 53);
   EXPECT_EQ(number(files::ToText(folder.Write("b.PRC", "[DATE]\n-9990101\n"))), 5);

@@ -74,13 +74,6 @@ std::vector<std::string> ImportPageTest::Logged() const {
   return lines;
 }
 
-std::vector<std::string> ImportPageTest::Boxes() {
-  std::vector<std::string> shown;
-  for (const auto& message : prompt.messages) shown.push_back(WideToUtf8(message.text));
-  prompt.messages.clear();
-  return shown;
-}
-
 std::vector<std::string> ImportPageTest::Register() {
   auto rows =
       Rows(L"SELECT * FROM PriceUpdates ORDER BY FileName", {L"FileName", L"DateProcessed"});

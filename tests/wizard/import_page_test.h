@@ -30,8 +30,6 @@ class ImportPageTest : public test_support::ProductTableTest {
   static std::vector<std::string> Applied(const clsOrvPap& vOrvPap);
   // The lines of the log.
   std::vector<std::string> Logged() const;
-  // The texts of the message boxes since the last call.
-  std::vector<std::string> Boxes();
   // File names and times of the register.
   std::vector<std::string> Register();
 

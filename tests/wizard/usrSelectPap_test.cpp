@@ -236,18 +236,6 @@ TEST_F(usrSelectPapTest, AProductTableThatCannotBeOpenedOffersNothing) {
   EXPECT_THAT(Keys(), ElementsAre(L"1P"));
 }
 
-TEST_F(usrSelectPapTest, FilesOfEveryName) {
-  FillProductTable();
-  // Whole paths have at most 260 characters on Windows.
-  constexpr std::size_t kLongest = files::Separator() == L'\\' ? 150 : 200;
-  const std::vector<std::wstring> names = {L"O'Neill.PRC", std::wstring(kLongest, L'x') + L".PRC",
-                                           L"Pr\u00E9 \u0416.PRC"};
-  for (const std::wstring& name : names) WriteUpdate(name, "A");
-  Init();
-  EXPECT_THAT(SelectedNames(), testing::UnorderedElementsAreArray(names));
-  EXPECT_THAT(prompt.messages, IsEmpty());
-}
-
 TEST_F(usrSelectPapTest, FiveThousandUpdates) {
   FillProductTable();
   constexpr int kFiles = 5000;
@@ -258,22 +246,6 @@ TEST_F(usrSelectPapTest, FiveThousandUpdates) {
   EXPECT_EQ(page.SelectedPAP().size(), 4999U);
   EXPECT_EQ(page.lvPrc.Item(4999).key, L"5000P");
   EXPECT_FALSE(page.lvPrc.Item(2345).checked);
-}
-
-// The demo installation: five of its six updates are for what its product table has.
-TEST_F(usrSelectPapTest, TheDemoInstallation) {
-  folder.Write("program/paptool", "");
-  folder.Write("program/lang/dutch.lng", "");
-  demo::MakeInstallation(folder / "demo", folder / "program" / "paptool");
-  settings.strProgramFolder = folder.Text("demo");
-  page.Init(folder.Text("demo/Orv.pt"));
-  EXPECT_THAT(Keys(), ElementsAre(L"1P", L"2P", L"4P", L"5P", L"6P"));
-  const controls::ListItem& first = page.lvPrc.Item(0);
-  EXPECT_EQ(first.text, L"2004-03-15");
-  EXPECT_EQ(first.sub_items[0], L"Plaatstaal");
-  EXPECT_EQ(first.sub_items[1], L"Veldhaven Staalservice");
-  EXPECT_EQ(SelectedNames().size(), 5U);
-  EXPECT_THAT(prompt.messages, IsEmpty());
 }
 
 }  // namespace

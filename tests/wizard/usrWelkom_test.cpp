@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include "platform/files/paths.h"
-#include "tests/support/file_protection.h"
 #include "tests/support/surface_test.h"
 
 namespace {
@@ -53,7 +52,9 @@ TEST_F(usrWelkomTest, TheFirstLineIsAHeadingTheOthersAreTheText) {
 
 // The program has a text of its own for that, which names the file in every place where it should.
 TEST_F(usrWelkomTest, AMissingFileIsNoError) {
-  for (const std::wstring& path : {std::wstring(), folder.Text("missing.txt"), folder.Text("")}) {
+  settings.strProgramFolder = folder.Text("program");
+  for (const std::wstring& path : {std::wstring(), folder.Text("missing.txt"), folder.Text(""),
+                                   std::wstring(L"elsewhere.txt")}) {
     heard.clear();
     settings.strWelcomeText = path;
     page.Init();
@@ -61,17 +62,6 @@ TEST_F(usrWelkomTest, AMissingFileIsNoError) {
     EXPECT_EQ(page.Text1.Text(), L"#5 " + path);
   }
   EXPECT_TRUE(prompt.messages.empty());
-}
-
-TEST_F(usrWelkomTest, ARelativePathStartsFromTheProgramsFolder) {
-  folder.Write("program/texts/welcome.txt", "Welcome\r\nto this\r\n");
-  settings.strProgramFolder = folder.Text("program");
-  settings.strWelcomeText = L"texts/welcome.txt";
-  page.Init();
-  EXPECT_EQ(page.Text1.Text(), L"to this\r\n");
-  settings.strWelcomeText = L"elsewhere.txt";
-  page.Init();
-  EXPECT_EQ(page.Text1.Text(), L"#5 elsewhere.txt") << "as the setting has it";
 }
 
 // A setting can name anything: what never ends, or would fill the memory, must not be read.
@@ -110,16 +100,6 @@ TEST_F(usrWelkomTest, AFileThatEndsTooSoonIsReportedAndTheUserGoesOn) {
                                                   L"Error = 62: "),
                                testing::EndsWith(L"'" + settings.strWelcomeText + L"'")));
   }
-}
-
-TEST_F(usrWelkomTest, AFileThatNobodyMayReadIsReportedAndTheUserGoesOn) {
-  const auto path = folder.Write("welcome.txt", "Welcome\r\nto this\r\n");
-  const test_support::ReadProtection protection(path);
-  settings.strWelcomeText = files::ToText(path);
-  page.Init();
-  EXPECT_THAT(heard, testing::ElementsAre(L"on"));
-  ASSERT_EQ(prompt.messages.size(), 1U);
-  EXPECT_THAT(prompt.messages[0].text, testing::HasSubstr(L"Error = 70: "));
 }
 
 }  // namespace

@@ -59,12 +59,6 @@ void MakeFolderOf(const fs::path& path) {
   if (error) throw files::TransferError(error.value());
 }
 
-fs::path FollowLink(const fs::path& path) {
-  std::error_code error;
-  fs::path file = fs::canonical(path, error);
-  return error ? path : file;
-}
-
 }  // namespace
 
 std::optional<RegFile> TextStore::Read() const {
@@ -78,7 +72,7 @@ std::optional<RegFile> TextStore::Read() const {
 void TextStore::Change(const std::function<void(RegFile&)>& change) const {
   WithName(path_, L"writing the settings in", [&] {
     MakeFolderOf(path_);
-    const fs::path path = FollowLink(path_);
+    const fs::path path = files::FollowLink(path_);
     files::FileLock lock(path, files::MissingFile::kCreateEmpty, kPatience);
     RegFile content(ReadBytes(path));
     change(content);

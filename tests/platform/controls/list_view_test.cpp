@@ -93,11 +93,8 @@ TEST_F(ListViewTest, PositionsOutsideAreRefused) {
   for (const auto& action : std::vector<std::function<void()>>{
            [&] { list.Item(past); },
            [&] { list.SetText(past, L"x"); },
-           [&] { list.SetSubItem(past, 1, L"x"); },
            [&] { list.SetSubItem(0, 0, L"x"); },
            [&] { list.SetChecked(past, true); },
-           [&] { list.SetSelected(past, true); },
-           [&] { list.SetColour(past, controls::kRed); },
            [&] { list.EnsureVisible(past); },
            [&] { list.Check(past, true); },
        }) {
@@ -125,34 +122,6 @@ TEST_F(ListViewTest, OnlyTheUsersChecksAreEvents) {
   list.SetCheckBoxes(false);
   list.Check(1, false);
   EXPECT_TRUE(list.Item(1).checked) << "there is no box to click";
-}
-
-TEST_F(ListViewTest, KeysReachThePageWhileTheListIsReachable) {
-  std::wstring pressed;
-  EXPECT_FALSE(list.PressKey(L'x')) << "nobody dealt with it";
-  list.KeyPress = [&](wchar_t key) {
-    pressed += key;
-    return key == L' ';
-  };
-  EXPECT_TRUE(list.PressKey(L' ')) << "the window must leave it alone";
-  EXPECT_FALSE(list.PressKey(L'x'));
-  list.SetVisible(false);
-  EXPECT_FALSE(list.PressKey(L' '));
-  EXPECT_EQ(pressed, L" x");
-}
-
-// Adding 5,000 items is 5,000 notices, not a notice an item for each of the others.
-TEST_F(ListViewTest, FiveThousandItemsAreFiveThousandNotices) {
-  constexpr std::size_t kItems = 5000;
-  list.Clear();
-  notices.Take();
-  for (std::size_t i = 1; i <= kItems; ++i) {
-    list.AddItem({.key = std::to_wstring(i) + L"P", .text = std::to_wstring(i)});
-  }
-  EXPECT_EQ(notices.Take().size(), kItems);
-  for (std::size_t i = 1; i <= kItems; ++i) {
-    ASSERT_EQ(list.Find(std::to_wstring(i) + L"P"), i - 1);
-  }
 }
 
 }  // namespace

@@ -49,15 +49,6 @@ TEST_F(FileCopyTest, CopiesEveryByteOverNothingAndOverAnother) {
   }
 }
 
-TEST_F(FileCopyTest, NamesOfEveryKind) {
-  folder_.Write("source", "x");
-  for (const std::wstring& name : {std::wstring(L"O'Neill.pt"), std::wstring(180, L'n') + L".pt",
-                                   std::wstring(L"Pr\u00E9 \u20AC \u0416.pt")}) {
-    EXPECT_EQ(Copy("source", ToPath(name)), 0);
-    EXPECT_EQ(ReadAll(folder_ / ToPath(name)), "x");
-  }
-}
-
 TEST_F(FileCopyTest, FailuresLeaveTheTargetAsItWas) {
   folder_.Write("source", "new");
   folder_.Write("target", "old");

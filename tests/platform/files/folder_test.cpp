@@ -56,27 +56,19 @@ TEST(FilesInTest, NamesThatAreNoUtf8AreFoundAgain) {
 }
 #endif
 
-TEST(FilesInTest, AMissingFolderIsPathNotFound) {
+TEST(FolderTest, ErrorsHaveTheirClassicNumbers) {
   const TemporaryFolder folder;
   const auto file = folder.Write("file", "");
-  EXPECT_EQ(ErrorNumberOf([&] { FilesIn(folder.Text("missing")); }), kPathNotFound);
-  EXPECT_EQ(ErrorNumberOf([&] { FilesIn(ToText(file)); }), kPathNotFound);
-  EXPECT_EQ(ErrorNumberOf([&] { FilesIn(L""); }), kPathNotFound);
-}
-
-TEST(RemoveFileTest, ForcesReadOnlyFiles) {
-  const TemporaryFolder folder;
-  const auto path = folder.Write("file", "");
-  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
-  RemoveFile(ToText(path));
-  EXPECT_FALSE(std::filesystem::exists(path));
-}
-
-TEST(RemoveFileTest, ErrorsHaveTheirClassicNumbers) {
-  const TemporaryFolder folder;
+  for (const std::wstring& path : {folder.Text("missing"), ToText(file), std::wstring()}) {
+    EXPECT_EQ(ErrorNumberOf([&] { FilesIn(path); }), kPathNotFound);
+  }
   EXPECT_EQ(ErrorNumberOf([&] { RemoveFile(folder.Text("missing")); }), kFileNotFound);
   EXPECT_EQ(ErrorNumberOf([&] { RemoveFile(folder.Text("no/where")); }), kPathNotFound);
   EXPECT_EQ(ErrorNumberOf([&] { RemoveFile(folder.Text("")); }), kFileNotFound);
+
+  std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+  RemoveFile(ToText(file));
+  EXPECT_FALSE(std::filesystem::exists(file)) << "a read-only one, by force";
 }
 
 }  // namespace

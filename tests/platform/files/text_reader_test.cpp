@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/files/file_error.h"
+#include "tests/support/error_number.h"
 #include "tests/support/temporary_folder.h"
 
 namespace files {
 namespace {
 
+using test_support::ErrorNumberOf;
 using test_support::TemporaryFolder;
 
 std::vector<std::wstring> LinesOf(std::string_view bytes) {
@@ -18,15 +20,6 @@ std::vector<std::wstring> LinesOf(std::string_view bytes) {
   std::vector<std::wstring> lines;
   while (!reader.AtEnd()) lines.push_back(reader.ReadLine());
   return lines;
-}
-
-int ErrorNumberOf(const auto& action) {
-  try {
-    action();
-    return 0;
-  } catch (const text::RuntimeError& error) {
-    return error.number();
-  }
 }
 
 TEST(TextReaderTest, EveryKindOfLineEndCounts) {
@@ -47,13 +40,6 @@ TEST(TextReaderTest, LineEndsAcrossEveryBufferEdge) {
     const auto lines = LinesOf(std::string(length, 'x') + "\r\ny\r");
     EXPECT_THAT(lines, testing::ElementsAre(std::wstring(length, L'x'), L"y")) << length;
   }
-}
-
-TEST(TextReaderTest, OneHugeLine) {
-  constexpr std::size_t kLength = 20'000'000;
-  const auto lines = LinesOf(std::string(kLength, ','));
-  ASSERT_EQ(lines.size(), 1U);
-  EXPECT_EQ(lines.front().size(), kLength);
 }
 
 TEST(TextReaderTest, ErrorsHaveTheirClassicNumbers) {

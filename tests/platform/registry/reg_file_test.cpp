@@ -196,8 +196,6 @@ TEST(RegFileTest, DamageIsNamed) {
     const char* reason;
   } cases[] = {
       {"hello", "line 1: no settings file of a known version"},
-      {"\n", "line 1: no settings file of a known version"},
-      {"REGEDIT5\n", "line 1: no settings file of a known version"},
       {std::string(4096, '\0'), "line 1: a zero character"},
       {head + std::string("\"a\"=\"\0\"\n", 8), "line 3: a zero character"},
       {"\xFF\xFEW", "half a character at the end"},
@@ -207,18 +205,14 @@ TEST(RegFileTest, DamageIsNamed) {
       {head + "[HKEY_CURRENT_USER\n", "line 3: a key without its closing bracket"},
       {head + "\n\"a", "line 4: a text without its closing quote"},
       {head + "\"a\"", "line 3: a name without a value"},
-      {head + "@\"b\"\n", "line 3: a name without a value"},
       {head + "\"a\"=\"b\n\n", "line 3: a text without its closing quote"},
       {head + "\"a\"=\"b\"\"\n", "line 3: something behind the value"},
       {head + "\"a\"=\n", "line 3: a value of no known form"},
-      {head + "\"a\"=text\n", "line 3: a value of no known form"},
       {head + "\"a\"=dword:\n", "line 3: a number without digits"},
       {head + "\"a\"=dword:123456789\n", "line 3: a number of too many digits"},
-      {head + "\"a\"=dword:12x\n", "line 3: something behind the value"},
       {head + "\"a\"=hex(z):01\n", "line 3: a number without digits"},
       {head + "\"a\"=hex(2:01\n", "line 3: a value of no known form"},
       {head + "\"a\"=hex:01,zz\n", "line 3: bytes that are no pairs of digits"},
-      {head + "\"a\"=hex:0102\n", "line 3: bytes that are no pairs of digits"},
       {head + "\"a\"=hex:01,\\", "line 3: a value that is cut off"},
   };
   for (const auto& c : cases) {

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/text/runtime_error.h"
+#include "tests/support/error_number.h"
 
 namespace text {
 namespace {
@@ -36,12 +37,9 @@ TEST(DateSerialTest, RefusesWhatNoDateCanHold) {
   const int cases[][3] = {{9999, 12, 32}, {100, 1, 0},           {-1, 1, 1},
                           {10000, 1, 1},  {kMost, kMost, kMost}, {kLeast, kLeast, kLeast}};
   for (const auto& c : cases) {
-    try {
-      DateSerial(c[0], c[1], c[2]);
-      ADD_FAILURE() << c[0] << '/' << c[1] << '/' << c[2];
-    } catch (const RuntimeError& error) {
-      EXPECT_EQ(error.number(), kInvalidProcedureCall);
-    }
+    EXPECT_EQ(test_support::ErrorNumberOf([&] { DateSerial(c[0], c[1], c[2]); }),
+              kInvalidProcedureCall)
+        << c[0] << '/' << c[1] << '/' << c[2];
   }
 }
 

@@ -40,15 +40,6 @@ Socket Socket::Listen() {
   return socket;
 }
 
-Socket::Socket(Socket&& other) noexcept : native_(std::exchange(other.native_, kClosed)) {}
-
-Socket& Socket::operator=(Socket&& other) noexcept {
-  std::swap(native_, other.native_);
-  return *this;
-}
-
-Socket::~Socket() { Close(); }
-
 int Socket::Port() const {
   sockaddr_in address{};
   socklen_t size = sizeof address;

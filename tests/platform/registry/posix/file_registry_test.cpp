@@ -89,12 +89,6 @@ TEST_F(FileRegistryTest, TheViewOf32BitProgramsGoesFirstAndTheUsersFileBeforeThe
   EXPECT_EQ(Read(RootKey::kLocalMachine, L"Software\\X\\", L"c"), Value(L"user"));
 }
 
-TEST_F(FileRegistryTest, WithoutAHomeThereIsNoPlaceForSettings) {
-  location_.user.clear();
-  EXPECT_EQ(ReadUser(L"a"), std::nullopt);
-  EXPECT_EQ(ErrorNumberOf([&] { WriteUser(L"a", L"x"); }), files::kPathNotFound);
-}
-
 TEST_F(FileRegistryTest, ADamagedStoreIsReportedAndStays) {
   const auto path = folder_.Write("home/registry.reg", std::string(kVersion) + "[HKEY_CURRENT");
   const std::string before = ReadAll(path);
@@ -112,13 +106,6 @@ TEST_F(FileRegistryTest, ADamagedStoreIsReportedAndStays) {
     EXPECT_EQ(ReadAll(path), before);
     EXPECT_EQ(files::FilesIn(folder_.Text("home")).size(), 1U);
   }
-}
-
-TEST_F(FileRegistryTest, ATextThatTheFileCannotHoldChangesNothing) {
-  const std::string before = "REGEDIT4\n[HKEY_CURRENT_USER\\Software\\X]\n\"a\"=\"\xE9\"\n";
-  const auto path = folder_.Write("home/registry.reg", before);
-  EXPECT_EQ(ErrorNumberOf([&] { WriteUser(L"a", L"\u0416"); }), kInvalidFileFormat);
-  EXPECT_EQ(ReadAll(path), before);
 }
 
 TEST_F(FileRegistryTest, WhatAnOrdinaryUserMayNotDo) {

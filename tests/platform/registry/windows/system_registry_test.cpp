@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <string>
-#include <thread>
 
 #include "platform/registry/registry.h"
 
@@ -47,45 +46,38 @@ class SystemRegistryTest : public testing::Test {
 
 TEST_F(SystemRegistryTest, ReadsEveryKindOfValue) {
   EXPECT_EQ(ReadUser(L"missing key"), std::nullopt);
-  const DWORD number = 0x80000001;
+  const std::wstring number(L"\x0001\x8000", 2);  // 0x80000001
   // Without a terminating zero, and long enough to need a second attempt.
   const std::wstring unterminated(1000, L'\u20AC');
-  const std::wstring inner(L"a\0b", 4);
-  Store(HKEY_CURRENT_USER, 0, L"number", REG_DWORD, &number, sizeof(number));
-  Store(HKEY_CURRENT_USER, 0, L"short number", REG_DWORD, &number, 2);
-  Store(HKEY_CURRENT_USER, 0, L"unterminated", REG_SZ, unterminated.data(),
-        unterminated.size() * sizeof(wchar_t));
-  Store(HKEY_CURRENT_USER, 0, L"inner zero", REG_SZ, inner.data(), inner.size() * sizeof(wchar_t));
-  Store(HKEY_CURRENT_USER, 0, L"empty", REG_SZ, nullptr, 0);
-  Store(HKEY_CURRENT_USER, 0, L"expand", REG_EXPAND_SZ, L"x", 4);
-  Store(HKEY_CURRENT_USER, 0, L"binary", REG_BINARY, &number, sizeof(number));
-  Store(HKEY_CURRENT_USER, 0, L"several", REG_MULTI_SZ, L"a\0", 3 * sizeof(wchar_t));
-  Store(HKEY_CURRENT_USER, 0, L"long number", REG_QWORD, L"1234", 8);
-  Store(HKEY_CURRENT_USER, 0, L"half a character", REG_SZ, L"ab", 3);
-  Store(HKEY_CURRENT_USER, 0, L"", REG_SZ, L"default", 8 * sizeof(wchar_t));
+  const struct {
+    const wchar_t* name;
+    DWORD type;
+    std::wstring data;
+    std::size_t size;  // in bytes
+    Value value;
+  } cases[] = {
+      {L"number", REG_DWORD, number, 4, 0x80000001U},
+      {L"short number", REG_DWORD, number, 2, OtherKind{}},
+      {L"unterminated", REG_SZ, unterminated, 2000, unterminated},
+      {L"inner zero", REG_SZ, {L"a\0b", 4}, 8, std::wstring(L"a\0b", 3)},
+      {L"empty", REG_SZ, L"", 0, std::wstring()},
+      {L"expand", REG_EXPAND_SZ, L"x", 4, OtherKind{}},
+      {L"binary", REG_BINARY, number, 4, OtherKind{}},
+      {L"several", REG_MULTI_SZ, {L"a\0", 3}, 6, OtherKind{}},
+      {L"long number", REG_QWORD, L"1234", 8, OtherKind{}},
+      {L"half a character", REG_SZ, L"ab", 3, L"a"},
+      {L"", REG_SZ, L"default", 16, L"default"},
+  };
+  for (const auto& c : cases) Store(HKEY_CURRENT_USER, 0, c.name, c.type, c.data.data(), c.size);
+  for (const auto& c : cases) EXPECT_EQ(ReadUser(c.name), c.value) << std::wstring(c.name);
   EXPECT_EQ(ReadUser(L"NUMBER"), Value(0x80000001U));
-  EXPECT_EQ(ReadUser(L"short number"), Value(OtherKind{}));
-  EXPECT_EQ(ReadUser(L"unterminated"), Value(unterminated));
-  EXPECT_EQ(ReadUser(L"inner zero"), Value(std::wstring(L"a\0b", 3)));
-  EXPECT_EQ(ReadUser(L"empty"), Value(std::wstring()));
-  EXPECT_EQ(ReadUser(L"expand"), Value(OtherKind{}));
-  EXPECT_EQ(ReadUser(L"binary"), Value(OtherKind{}));
-  EXPECT_EQ(ReadUser(L"several"), Value(OtherKind{}));
-  EXPECT_EQ(ReadUser(L"long number"), Value(OtherKind{}));
-  EXPECT_EQ(ReadUser(L"half a character"), Value(L"a"));
-  EXPECT_EQ(ReadUser(L""), Value(L"default"));
   EXPECT_EQ(ReadUser(L"missing"), std::nullopt);
-}
-
-TEST_F(SystemRegistryTest, WritesCreateTheKey) {
-  registry_->WriteText(RootKey::kCurrentUser, key_ + L"\\", L"a", L"Pr\u00E9 \u20AC");
-  EXPECT_EQ(ReadUser(L"A"), Value(L"Pr\u00E9 \u20AC"));
-  registry_->WriteText(RootKey::kCurrentUser, key_, L"a", L"");
-  EXPECT_EQ(ReadUser(L"a"), Value(std::wstring()));
 }
 
 // What the host product and the registry editor find: a terminated text, whatever was there before.
 TEST_F(SystemRegistryTest, WhatIsWrittenIsATextForOthers) {
+  registry_->WriteText(RootKey::kCurrentUser, key_ + L"\\", L"a", L"");  // makes the key
+  EXPECT_EQ(ReadUser(L"A"), Value(std::wstring()));
   const DWORD number = 7;
   Store(HKEY_CURRENT_USER, 0, L"a", REG_DWORD, &number, sizeof(number));
   registry_->WriteText(RootKey::kCurrentUser, key_, L"a", L"\u0416");
@@ -100,23 +92,6 @@ TEST_F(SystemRegistryTest, WhatIsWrittenIsATextForOthers) {
   RegCloseKey(key);
   EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
   EXPECT_EQ(std::wstring(data, size / sizeof(wchar_t)), std::wstring(L"\u0416\0", 2));
-}
-
-// Two programs that write different values at the same moment lose nothing of each other.
-TEST_F(SystemRegistryTest, SeveralWritersLoseNothing) {
-  constexpr int kValues = 50;
-  const auto write = [this](const std::wstring& prefix) {
-    const auto own = MakeSystemRegistry();
-    for (int i = 0; i < kValues; ++i)
-      own->WriteText(RootKey::kCurrentUser, key_, prefix + std::to_wstring(i), prefix);
-  };
-  std::thread other([&] { write(L"x"); });
-  write(L"y");
-  other.join();
-  for (int i = 0; i < kValues; ++i) {
-    EXPECT_EQ(ReadUser((L"x" + std::to_wstring(i)).c_str()), Value(L"x"));
-    EXPECT_EQ(ReadUser((L"y" + std::to_wstring(i)).c_str()), Value(L"y"));
-  }
 }
 
 TEST_F(SystemRegistryTest, TheViewOf32BitProgramsGoesFirst) {
