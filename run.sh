@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Shows the program at work on a demo installation in build/demo. Installs what is missing (Debian),
-# builds, applies the demo's price updates one by one and shows what they did to the prices.
+# Shows the program at work on a demo installation in build/demo. Installs what is missing (Debian) and
+# builds. Then it starts the wizard, with a download server for it; without a display it applies the
+# demo's price updates one by one and shows what they did to the prices.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 export LC_ALL=C.UTF-8
@@ -12,12 +13,17 @@ paptool=build/release/bin/paptool
 prices_shown=4
 refusals_shown=8
 
+# In the wizard's update folder; the demo's others are on the server.
+updates_at_hand=(20260105_VELDHAVEN_PROFIEL.PRC 20260202_BRUGMEER_BUIS.PRC)
+
+has_display() { [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; }
+
 build() {
   mkdir -p build
   local log=build/run.log
   tools/install-dependencies.sh build
   echo "Building (only what changed since last time) ..."
-  if ! { cmake --preset release && cmake --build --preset release -j "$(nproc)" --target paptool; } \
+  if ! { cmake --preset release && cmake --build --preset release -j "$(nproc)" --target "$@"; } \
       >"$log" 2>&1; then
     tail -n 40 "$log" >&2
     echo "The build failed; its whole output is in $log." >&2
@@ -93,20 +99,48 @@ apply() {
   mv "$work/after" "$work/before"
 }
 
-build
+apply_all() {
+  echo "The demo installation is in $demo: a product table, price updates, settings, texts, programs."
+  prices >"$work/before"
+  for update in "$demo"/PAP32/*.PRC; do
+    apply "$update"
+  done
+
+  echo
+  echo "The product table is sound: $("$paptool" check --table "$table")"
+  echo "A copy of it from before each update lies beside it; the log of the last one is $import_log."
+  echo "Look around:  $paptool tables --table $table"
+  echo "              $paptool --help"
+}
+
+show_wizard() {
+  local update
+  for update in "$demo"/PAP32/*.PRC; do
+    [[ " ${updates_at_hand[*]} " == *" ${update##*/} "* ]] || mv "$update" "$demo/server/"
+  done
+  local server_log=$demo/server.log
+  "$demo/paptool" serve "$demo/server" >"$server_log" 2>&1 &
+  server=$!
+  until grep -q '^Serving' "$server_log"; do
+    if ! kill -0 "$server" 2>/dev/null; then
+      echo "The wizard will find no download server:" >&2
+      cat "$server_log" >&2
+      break
+    fi
+    sleep 0.1
+  done
+  echo "The wizard runs on the demo installation in $demo; its download server's log is $server_log."
+  "$demo/orvpap-demo"
+}
+
+targets=(paptool)
+if has_display; then targets+=(orvpap-demo); fi
+build "${targets[@]}"
+
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+server=
+trap 'rm -rf "$work"; if [[ -n $server ]]; then kill "$server" 2>/dev/null || true; fi' EXIT
 
 rm -rf "$demo"
 "$paptool" demo "$demo" >"$work/messages"
-echo "The demo installation is in $demo: a product table, price updates, settings, texts, programs."
-prices >"$work/before"
-for update in "$demo"/PAP32/*.PRC; do
-  apply "$update"
-done
-
-echo
-echo "The product table is sound: $("$paptool" check --table "$table")"
-echo "A copy of it from before each update lies beside it; the log of the last one is $import_log."
-echo "Look around:  $paptool tables --table $table"
-echo "              $paptool --help"
+if has_display; then show_wizard; else apply_all; fi

@@ -86,8 +86,8 @@ void WriteWelcome(const fs::path& folder) {
         L"Met deze wizard brengt u prijsaanpassingen van uw "
         L"leveranciers in de productentabel.",
         L"",
-        L"De map PAP32 bevat enkele prijsaanpassingen om mee te oefenen. Twee daarvan bevatten "
-        L"opzettelijk fouten, zodat u ziet hoe die gemeld worden.",
+        L"Er zijn enkele prijsaanpassingen om mee te oefenen. Twee daarvan bevatten opzettelijk "
+        L"fouten, zodat u ziet hoe die gemeld worden.",
         L"", L"De leveranciers en hun prijzen zijn verzonnen; de afmetingen van het staal niet."}) {
     file.WriteLine(line);
   }
@@ -98,6 +98,12 @@ void CopyPrograms(const fs::path& folder, const fs::path& program) {
   const fs::path target = folder / program.filename();
   if (fs::exists(target) && fs::equivalent(program, target)) return;  // it runs from there
   fs::copy_file(program, target, fs::copy_options::overwrite_existing);
+  fs::path wizard_file(kWizardFile);
+  wizard_file += program.extension();
+  const fs::path wizard = program.parent_path() / wizard_file;
+  if (fs::exists(wizard)) {
+    fs::copy_file(wizard, folder / wizard_file, fs::copy_options::overwrite_existing);
+  }
   fs::copy(program.parent_path() / kLanguageFolder, folder / kLanguageFolder,
            fs::copy_options::recursive | fs::copy_options::overwrite_existing);
 }

@@ -13,10 +13,11 @@ inline constexpr const char* kServerFolder = "server";  // what its download ser
 inline constexpr const char* kRegistryFile = "registry.reg";
 inline constexpr const char* kWelcomeFile = "welkom.txt";
 inline constexpr const char* kLanguageFolder = "lang";
+inline constexpr const char* kWizardFile = "orvpap-demo";  // on Windows with its extension
 
 // Fills `folder`, which is made where it is missing; files of an earlier demo installation are
-// replaced. `program` is the file to copy into it, together with the folder `lang` beside that
-// file.
+// replaced. `program` is the file to copy into it, together with the folder `lang` and, if it is
+// there, the demo's wizard beside that file.
 //
 // Throws text::RuntimeError or std::filesystem::filesystem_error when something cannot be read or
 // written; the folder is then incomplete.

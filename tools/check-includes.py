@@ -11,7 +11,12 @@ import sys
 import cpp_source
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"\n]*)"|<([^>\n]*)>)', re.MULTILINE)
-LAYER = re.compile(r"^add_subdirectory\(([\w/]+)\)", re.MULTILINE)
+LAYER = re.compile(r"^ *add_subdirectory\(([\w/]+)\)", re.MULTILINE)
+
+MADE_BY_THE_BUILD = "embedded/"  # cmake/embed_file.cmake
+
+# The start of the program, which stands above everything.
+TOP = "app/modMain.cpp"
 
 # Headers that only one kind of folder may include: folder name, then the headers.
 POSIX = re.compile(r"(unistd|fcntl|dirent|pwd|dlfcn|poll|termios|sys/\w+)\.h$")
@@ -27,6 +32,8 @@ def layers():
 
 def layer_of(path, order):
     """The place of a file's folder in that order; what is in none may use every layer."""
+    if path == TOP:
+        return len(order)
     for place, folder in enumerate(order):
         if path.startswith(folder + "/"):
             return place
@@ -56,6 +63,8 @@ def problems_of(path, order):
             folder = forbidden_system_header(name, system)
             if folder:
                 yield line, f"<{system}> belongs into a folder {folder}/ only"
+        elif own.startswith(MADE_BY_THE_BUILD):
+            continue
         elif not (cpp_source.ROOT / own).is_file():
             yield line, f'"{own}" is not a file, seen from the project\'s root'
         elif layer_of(own, order) > layer_of(name, order):

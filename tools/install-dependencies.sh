@@ -17,6 +17,7 @@ requirements() {
       echo "curl-config libcurl4-openssl-dev"
       echo "/usr/include/httplib.h libcpp-httplib-dev"
       echo "pkg-config pkg-config"
+      echo "wx-config libwxgtk3.2-dev"
       ;;
     test)
       echo "/usr/include/gtest/gtest.h libgtest-dev"
@@ -27,6 +28,8 @@ requirements() {
       echo "npm npm"
       echo "nginx nginx-light"
       echo "openssl openssl"
+      echo "Xvfb xvfb"
+      echo "xdotool xdotool"
       ;;
     lint)
       echo "git git"

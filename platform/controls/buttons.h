@@ -49,6 +49,8 @@ class OptionButton final : public CaptionedControl {
 
   std::function<void()> Click;
 
+  const OptionGroup& Group() const { return group_; }
+
   // Turning a button on turns the group's others off, and their observers are told too.
   bool Value() const { return value_; }
   void SetValue(bool value);

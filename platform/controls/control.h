@@ -67,7 +67,8 @@ class Control {
   void SetVisible(bool visible) { Change(visible_, visible); }
   const std::wstring& ToolTip() const { return tool_tip_; }
   void SetToolTip(std::wstring tool_tip) { Change(tool_tip_, std::move(tool_tip)); }
-  // Only for what stands on a form itself; a page's controls are placed by its Arrangement.
+  // Only for what stands on a form itself; a page's controls are placed by its Arrangement. The
+  // form's window makes the width and height of a button larger where the caption needs it.
   const Bounds& Place() const { return place_; }
   void SetPlace(const Bounds& place) { Change(place_, place); }
 

@@ -37,7 +37,9 @@ class Form {
   Form(const Form&) = delete;
   Form& operator=(const Form&) = delete;
 
-  // What stands on the form itself, in the order in which the keyboard reaches it.
+  // What stands on the form itself, in the order in which the keyboard reaches it. A window makes
+  // the places of its buttons larger where their captions need it, before it reports its size, and
+  // reports it again when a caption has changed. What stands above the pages is the form's header.
   virtual std::vector<AnyControl> Controls() = 0;
   // The button that Enter presses, and that which Escape presses; neither does while it takes no
   // input. nullptr for none.

@@ -1,0 +1,133 @@
+// Message boxes and the file dialog.
+#include "platform/wx/dialogs.h"
+
+#include <wx/app.h>
+#include <wx/artprov.h>
+#include <wx/button.h>
+#include <wx/dialog.h>
+#include <wx/filedlg.h>
+#include <wx/filename.h>
+#include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
+#include <wx/stockitem.h>
+#include <wx/textctrl.h>
+
+#include <algorithm>
+
+#include "platform/text/strings.h"
+#include "platform/wx/conversion.h"
+
+namespace wx_windows {
+namespace {
+
+// A longer text is scrolled.
+constexpr std::ptrdiff_t kMostLines = 20;
+constexpr std::size_t kMostCharacters = 1500;
+
+// In pixels at the normal scale.
+constexpr int kTextWidth = 440;
+constexpr int kScrolledHeight = 280;
+constexpr int kMargin = 16;
+constexpr int kGap = 8;
+
+// A dialog over a window that is hidden would be hidden itself.
+wxWindow* DialogParent() {
+  wxWindow* const top = wxTheApp->GetTopWindow();
+  return top != nullptr && top->IsShown() ? top : nullptr;
+}
+
+// A picture, a text and buttons. The toolkit's own message box leaves the picture away on some
+// systems, and grows over the edges of the screen with a long text.
+class MessageBox final : public wxDialog {
+ public:
+  MessageBox(const std::wstring& text, const std::wstring& caption, const wxArtID& picture)
+      : wxDialog(DialogParent(), wxID_ANY, ToToolkit(caption)) {
+    auto* const message = new wxBoxSizer(wxHORIZONTAL);
+    const int margin = FromDIP(kMargin);
+    message->Add(new wxStaticBitmap(this, wxID_ANY,
+                                    wxArtProvider::GetBitmapBundle(picture, wxART_MESSAGE_BOX)),
+                 wxSizerFlags().Border(wxRIGHT, margin));
+    message->Add(MakeText(text), wxSizerFlags(1).CentreVertical());
+    auto* const whole = new wxBoxSizer(wxVERTICAL);
+    whole->Add(message, wxSizerFlags().Expand().Border(wxALL, margin));
+    whole->Add(buttons_, wxSizerFlags().Right().Border(wxLEFT | wxRIGHT | wxBOTTOM, margin));
+    SetSizer(whole);
+  }
+
+  // Answers with `id`. The button is the one that Enter presses, unless another one comes later.
+  void AddButton(int id, const std::wstring& label) {
+    const wxString shown = label.empty() ? wxGetStockLabel(id) : ToToolkit(label);
+    button_ = new wxButton(this, id, shown);
+    button_->Bind(wxEVT_BUTTON, [this, id](wxCommandEvent&) { EndModal(id); });
+    const int gap = buttons_->IsEmpty() ? 0 : FromDIP(kGap);
+    buttons_->Add(button_, wxSizerFlags().Border(wxLEFT, gap));
+  }
+
+  // `escape`: the answer of Escape and of the close box.
+  int Ask(int escape) {
+    SetEscapeId(escape);
+    Fit();
+    CentreOnParent();
+    button_->SetDefault();
+    button_->SetFocus();
+    return ShowModal();
+  }
+
+ private:
+  wxWindow* MakeText(const std::wstring& text) {
+    const wxString shown = ToToolkit(text);
+    const int width = FromDIP(kTextWidth);
+    if (text.size() > kMostCharacters || std::count(text.begin(), text.end(), L'\n') > kMostLines) {
+      return new wxTextCtrl(this, wxID_ANY, shown, wxDefaultPosition,
+                            wxSize(width, FromDIP(kScrolledHeight)),
+                            wxTE_MULTILINE | wxTE_READONLY);
+    }
+    auto* const label = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(shown));
+    label->Wrap(width);
+    return label;
+  }
+
+  wxBoxSizer* buttons_ = new wxBoxSizer(wxHORIZONTAL);
+  wxButton* button_ = nullptr;
+};
+
+// A filter that the toolkit does not understand offers every file.
+wxString Wildcard(const std::wstring& filter) {
+  const auto marks = std::count(filter.begin(), filter.end(), L'|');
+  return marks % 2 == 1 ? wxString(filter) : wxString(wxFileSelectorDefaultWildcardStr);
+}
+
+}  // namespace
+
+void Prompt::ShowMessage(const std::wstring& text, const std::wstring& caption) {
+  const WorkGate::Dialog dialog_shown(gate_);
+  MessageBox box(text, caption, wxART_ERROR);
+  box.AddButton(wxID_OK, texts_.ok);
+  box.Ask(wxID_OK);
+}
+
+bool Prompt::AskYesNo(const std::wstring& text, const std::wstring& caption) {
+  const WorkGate::Dialog dialog_shown(gate_);
+  MessageBox box(text, caption, wxART_QUESTION);
+  box.AddButton(wxID_NO, texts_.no);
+  box.AddButton(wxID_YES, texts_.yes);
+  return box.Ask(wxID_NO) == wxID_YES;
+}
+
+std::optional<std::wstring> FileDialog::ChooseFile(const Request& request) {
+  wxFileName start(wxString(request.file));
+  const WorkGate::Dialog dialog_shown(gate_);
+  for (;;) {
+    wxFileDialog dialog(DialogParent(), ToToolkit(request.title), start.GetPath(),
+                        start.GetFullName(), Wildcard(request.filter),
+                        wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+    if (dialog.ShowModal() != wxID_OK) return std::nullopt;
+    start.Assign(dialog.GetPath());
+    const std::wstring chosen = start.GetFullPath().ToStdWstring();
+    if (start.IsFileWritable()) return chosen;
+    prompt_.ShowMessage(text::ReplaceAll(texts_.read_only_file, L"%s", chosen), request.title);
+  }
+}
+
+}  // namespace wx_windows

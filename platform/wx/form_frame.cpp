@@ -1,0 +1,256 @@
+// The window of a form.
+#include "platform/wx/form_frame.h"
+
+#include <wx/app.h>
+#include <wx/radiobut.h>
+#include <wx/settings.h>
+#include <wx/statline.h>
+#include <wx/textctrl.h>
+
+#include <algorithm>
+#include <utility>
+#include <variant>
+
+#include "platform/wx/conversion.h"
+
+namespace wx_windows {
+namespace {
+
+constexpr std::int32_t kSmallestHeight = 6600;  // twips
+constexpr std::chrono::seconds kAppearing{1};
+
+// Gives the focus to the first of these windows, or of those on them, that takes it. Of a group of
+// option buttons that is the one that is on: the focus would turn on another one.
+bool FocusFirst(const wxWindow& parent) {
+  for (wxWindow* const child : parent.GetChildren()) {
+    if (!child->IsShown() || !child->IsThisEnabled()) continue;
+    if (wxDynamicCast(child, wxPanel) != nullptr) {
+      if (FocusFirst(*child)) return true;
+      continue;
+    }
+    const auto* const radio = wxDynamicCast(child, wxRadioButton);
+    if (!child->AcceptsFocus() || (radio != nullptr && !radio->GetValue())) continue;
+    child->SetFocus();
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+FormFrame::FormFrame(controls::Form& form, WorkGate& gate, const wxIconBundle& icons)
+    : wxFrame(nullptr, wxID_ANY, ToToolkit(form.Caption()), wxDefaultPosition, wxDefaultSize,
+              wxDEFAULT_FRAME_STYLE & ~wxMAXIMIZE_BOX),
+      form_(form),
+      gate_(gate),
+      windows_(gate),
+      root_(*new wxPanel(this)) {
+  SetIcons(icons);
+  SetSize(ToPixels(*this, form_.Outer().width), ToPixels(*this, form_.Outer().height));
+  FixWidth();
+  ReportSize();  // pages and buttons have their places now
+  MakeControls();
+  ReportSize();
+  form_.ShowIn(this);
+  gate_.after_work = [this] { AfterWork(); };
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    event.Skip();
+    // Some toolkits first tell a size that no window has.
+    if (GetSize().y >= GetMinSize().y) ReportSize();
+  });
+  Bind(wxEVT_MOVE, [this](wxMoveEvent& event) {
+    event.Skip();
+    KeepPlace();
+  });
+  Bind(wxEVT_CLOSE_WINDOW, &FormFrame::OnClose, this);
+  Bind(wxEVT_CHAR_HOOK, &FormFrame::OnKey, this);
+}
+
+// The windows go while what their events come to is still there.
+FormFrame::~FormFrame() {
+  form_.ShowIn(nullptr);
+  gate_.after_work = nullptr;
+  DestroyChildren();
+}
+
+void FormFrame::MakeControls() {
+  windows_.appeared = [this](wxWindow& window) { focus_in_ = &window; };
+  const std::int32_t header_height = HeaderHeight();
+  if (header_height > 0) MakeHeader(header_height);
+  for (const controls::AnyControl control : form_.Controls()) {
+    const std::int32_t top = std::visit([](auto* one) { return one->Place().top; }, control);
+    const bool is_page = std::holds_alternative<controls::Page*>(control);
+    const bool on_header = !is_page && header_ != nullptr && top < header_height;
+    wxWindow& parent = on_header ? static_cast<wxWindow&>(*header_) : root_;
+    ControlWindow& window = windows_.Make(control, parent);
+    if (on_header) window.Window().SetBackgroundColour(header_->GetBackgroundColour());
+    if (std::holds_alternative<controls::Button*>(control)) {
+      window.size_changed = [this] { ReportSizeLater(); };
+    }
+  }
+  if (controls::Button* const button = form_.DefaultButton(); button != nullptr) {
+    static_cast<wxButton*>(WindowOf(*button))->SetDefault();
+  }
+}
+
+void FormFrame::MakeHeader(std::int32_t height) {
+  const int pixels = ToPixels(*this, height);
+  header_ = new wxPanel(&root_, wxID_ANY, wxPoint(0, 0), wxSize(GetClientSize().x, pixels));
+  header_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
+  header_->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
+  const int line = 1;
+  new wxStaticLine(header_, wxID_ANY, wxPoint(0, pixels - line), wxSize(GetClientSize().x, line));
+}
+
+// Where the form's pages begin; 0 for a form without pages.
+std::int32_t FormFrame::HeaderHeight() {
+  std::int32_t height = 0;
+  for (const controls::AnyControl control : form_.Controls()) {
+    if (controls::Page* const* const page = std::get_if<controls::Page*>(&control)) {
+      height = std::max(height, (*page)->Place().top);
+    }
+  }
+  return height;
+}
+
+void FormFrame::FixWidth() {
+  if (form_.Outer().width == width_) return;
+  width_ = form_.Outer().width;
+  const int width = ToPixels(*this, width_);
+  SetSizeHints(width, ToPixels(*this, kSmallestHeight), width, wxDefaultCoord);
+  SetSize(width, GetSize().y);
+}
+
+void FormFrame::FormChanged() {
+  const wxString caption = ToToolkit(form_.Caption());
+  if (GetTitle() != caption) SetTitle(caption);
+  FixWidth();
+  if (form_.Left() != left_ || form_.Top() != top_) {
+    left_ = form_.Left();
+    top_ = form_.Top();
+    SetPosition(Place());
+  }
+  if (!form_.Shown()) return;
+  // Later: a program that begins minimized and goes on to the normal state at once does not
+  // flicker, and a window appears in its place.
+  if (std::exchange(show_later_, true)) return;
+  CallAfter([this] {
+    show_later_ = false;
+    ShowForm();
+  });
+}
+
+wxPoint FormFrame::Place() const { return {ToPixels(*this, left_), ToPixels(*this, top_)}; }
+
+// A window manager may not care where and how large a window is to appear, but does when it is
+// asked again.
+void FormFrame::KeepPlace() {
+  const bool appearing = appeared_at_ && Clock::now() - *appeared_at_ < kAppearing;
+  if (!appearing || GetPosition() == Place()) return;
+  appeared_at_.reset();
+  CallAfter([this] { SetSize(wxRect(Place(), appearing_size_)); });
+}
+
+void FormFrame::ShowForm() {
+  if (form_.Unloaded() || gate_.Ending()) return;
+  const bool minimized = form_.State() == controls::Form::WindowState::kMinimized;
+  if (IsIconized() != minimized) Iconize(minimized);
+  if (IsShown()) return;
+  appeared_at_ = Clock::now();
+  appearing_size_ = GetSize();
+  Show();
+}
+
+void FormFrame::FormUnloaded() {
+  Hide();
+  if (!gate_.Working()) AfterWork();
+}
+
+void FormFrame::ReportSize() {
+  gate_.Guard([this] {
+    GrowButtons();
+    form_.SetScreen(ToTwips(*this, wxGetDisplaySize()));
+    form_.Resized(ToTwips(*this, GetSize()), ToTwips(*this, GetClientSize()));
+  });
+  if (header_ == nullptr) return;
+  const int width = GetClientSize().x;
+  header_->SetSize(width, header_->GetSize().y);
+  for (wxWindow* const child : header_->GetChildren()) {
+    if (wxDynamicCast(child, wxStaticLine) != nullptr) child->SetSize(width, child->GetSize().y);
+  }
+}
+
+void FormFrame::ReportSizeLater() {
+  if (std::exchange(report_later_, true)) return;
+  CallAfter([this] {
+    report_later_ = false;
+    ReportSize();
+  });
+}
+
+void FormFrame::GrowButtons() {
+  for (const controls::AnyControl control : form_.Controls()) {
+    controls::Button* const* const button = std::get_if<controls::Button*>(&control);
+    const wxWindow* const window = button != nullptr ? WindowOf(**button) : nullptr;
+    if (window == nullptr) continue;
+    const controls::Size needed = ToTwips(*window, window->GetBestSize());
+    controls::Bounds place = (*button)->Place();
+    place.width = std::max(place.width, needed.width);
+    place.height = std::max(place.height, needed.height);
+    (*button)->SetPlace(place);
+  }
+}
+
+void FormFrame::AfterWork() {
+  if (gate_.Ending() && !form_.Unloaded()) {
+    form_.Unload();
+    return;
+  }
+  if (form_.Unloaded()) {
+    if (gone) std::exchange(gone, nullptr)();
+    Destroy();
+    return;
+  }
+  wxWindow* const appeared = std::exchange(focus_in_, nullptr);
+  if (appeared != nullptr && appeared->IsShownOnScreen()) FocusFirst(*appeared);
+}
+
+void FormFrame::OnClose(wxCloseEvent& event) {
+  if (!gate_.Working()) {
+    gate_.Work([this] { form_.Close(); });
+    if (!form_.Unloaded() && event.CanVeto()) event.Veto();
+    return;
+  }
+  if (event.CanVeto()) event.Veto();
+  bool permitted = false;
+  gate_.Guard([&] { permitted = !form_.MayClose || form_.MayClose(); });
+  if (!permitted || gate_.InDialog()) return;
+  gate_.End();
+  Hide();
+}
+
+void FormFrame::OnKey(wxKeyEvent& event) {
+  const int key = event.GetKeyCode();
+  const bool enter = key == WXK_RETURN || key == WXK_NUMPAD_ENTER;
+  if (key == WXK_ESCAPE) {
+    Press(form_.CancelButton());
+  } else if (enter && !event.HasAnyModifiers() && !EnterIsTaken()) {
+    Press(form_.DefaultButton());
+  } else {
+    event.Skip();
+  }
+}
+
+// Whether what has the focus makes something of Enter itself.
+bool FormFrame::EnterIsTaken() const {
+  wxWindow* const focus = FindFocus();
+  if (wxDynamicCast(focus, wxButton) != nullptr) return true;
+  const auto* const text = wxDynamicCast(focus, wxTextCtrl);
+  return text != nullptr && text->IsMultiLine() && text->IsEditable();
+}
+
+void FormFrame::Press(controls::Button* button) {
+  if (button != nullptr) gate_.Work([button] { button->Press(); });
+}
+
+}  // namespace wx_windows

@@ -1,0 +1,48 @@
+// Lets one piece of the program's work run at a time.
+#include "platform/wx/work_gate.h"
+
+#include <chrono>
+#include <exception>
+
+namespace wx_windows {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// What takes less is over before anybody has seen it: what is typed quickly must not get lost.
+constexpr std::chrono::milliseconds kLong{100};
+
+}  // namespace
+
+bool WorkGate::Work(const std::function<void()>& work) {
+  if (working_) return false;
+  working_ = true;
+  const Clock::time_point begin = Clock::now();
+  const bool done = Guard(work);
+  if (drop_input && Clock::now() - begin > kLong) drop_input();
+  working_ = false;
+  if (after_work) after_work();
+  return done;
+}
+
+bool WorkGate::Guard(const std::function<void()>& code) {
+  try {
+    code();
+    return true;
+  } catch (...) {
+    // What comes out of work that was ended is how it ended.
+    if (ending_) return false;
+    try {
+      report_error_();
+    } catch (...) {
+      return false;
+    }
+    return false;
+  }
+}
+
+void WorkGate::CheckEnd() const {
+  if (ending_ && std::uncaught_exceptions() == 0) end_work_();
+}
+
+}  // namespace wx_windows

@@ -1,0 +1,64 @@
+// Message boxes.
+#include <wx/app.h>
+#include <wx/button.h>
+#include <wx/dialog.h>
+
+#include "tests/platform/wx/window_test.h"
+
+namespace {
+
+// The dialog that waits for the user, once it is there.
+wxDialog* ShownDialog() {
+  for (wxWindow* const window : wxTopLevelWindows) {
+    auto* const dialog = dynamic_cast<wxDialog*>(window);
+    if (dialog != nullptr && dialog->IsShown()) return dialog;
+  }
+  return nullptr;
+}
+
+class DialogsTest : public WindowTest {
+ protected:
+  // What the user does as soon as a dialog is there.
+  static void InDialog(const std::function<void(wxDialog&)>& user) {
+    wxTheApp->CallAfter([user] {
+      ASSERT_TRUE(Wait([] { return ShownDialog() != nullptr; }));
+      Settle();
+      user(*ShownDialog());
+    });
+  }
+};
+
+TEST_F(DialogsTest, QuestionIsAnsweredByItsButtons) {
+  windows.SetTexts({.yes = L"&Ja", .no = L"&Nee"});
+  bool answer = false;
+  form.next.Click = [&] {
+    for (const bool expected : {true, false}) {
+      InDialog([expected](wxDialog& dialog) {
+        EXPECT_EQ("Orvane", dialog.GetTitle());
+        wxWindow* const button = dialog.FindWindow(expected ? wxID_YES : wxID_NO);
+        EXPECT_EQ(expected ? "&Ja" : "&Nee", button->GetLabel());
+        Click(*button);
+      });
+      answer = windows.Prompt().AskYesNo(L"Shall I?", L"Orvane");
+      EXPECT_EQ(expected, answer);
+    }
+    InDialog([](wxDialog&) { Key(WXK_ESCAPE); });
+    EXPECT_FALSE(windows.Prompt().AskYesNo(L"Shall I?", L"Orvane"));
+  };
+  Run([&] { Click(WindowOf<wxWindow>(form.next)); });
+}
+
+TEST_F(DialogsTest, LongMessageFitsTheScreen) {
+  std::wstring text;
+  for (int line = 0; line < 500; ++line) text += L"A line of a long message\r\n";
+  form.next.Click = [&] {
+    InDialog([](wxDialog& dialog) {
+      EXPECT_LT(dialog.GetSize().y, wxGetDisplaySize().y / 2);
+      Key(WXK_RETURN);
+    });
+    windows.Prompt().ShowMessage(text, L"Orvane");
+  };
+  Run([&] { Click(WindowOf<wxWindow>(form.next)); });
+}
+
+}  // namespace

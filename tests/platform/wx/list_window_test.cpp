@@ -1,0 +1,121 @@
+// A list and its window, with as many items as a large import shows.
+#include <wx/stattext.h>
+
+#include <numeric>
+
+#include "tests/platform/wx/window_test.h"
+
+namespace {
+
+// The text in the middle of an empty list, if there is one.
+const wxStaticText* EmptyTextOf(const wxWindow& window) {
+  for (const wxWindow* const child : window.GetChildren()) {
+    if (const auto* const text = dynamic_cast<const wxStaticText*>(child)) return text;
+    if (const wxStaticText* const inside = EmptyTextOf(*child)) return inside;
+  }
+  return nullptr;
+}
+
+// Shows what the list asks its window for.
+class ListWindowTest : public WindowTest {
+ protected:
+  ListWindowTest() {
+    form.page.Hold({&list});
+    form.page.arrangement = controls::Column({controls::Stretched(controls::Show(&list))});
+    list.SetColumns({L"Date", L"Remark"});
+    list.SetCheckBoxes(true);
+  }
+
+  controls::ListView list;
+};
+
+TEST_F(ListWindowTest, ManyItemsAddedDuringWorkAreThereAndTheLastCanBeSeen) {
+  constexpr long kItems = 5000;
+  form.next.Click = [&] {
+    for (long item = 0; item < kItems; ++item) {
+      const bool last = item == kItems - 1;
+      list.EnsureVisible(list.AddItem({.text = std::to_wstring(item),
+                                       .sub_items = {last ? std::wstring(90, L'W') : L"short"},
+                                       .checked = last,
+                                       .colour = last ? controls::kRed : controls::kWindowText}));
+      windows.EventPump().DoEvents();
+    }
+  };
+  Run([&] {
+    const int narrow = NativeList(list).GetColumnWidth(1);
+    Click(WindowOf<wxWindow>(form.next));
+    wxListCtrl& native = NativeList(list);
+    ASSERT_TRUE(Wait([&] { return native.GetItemCount() == kItems; }));
+    EXPECT_EQ("4999", native.GetItemText(kItems - 1));
+    EXPECT_TRUE(native.IsItemChecked(kItems - 1));
+    EXPECT_FALSE(native.IsItemChecked(0));
+    EXPECT_TRUE(native.IsVisible(kItems - 1));
+    EXPECT_FALSE(native.IsVisible(0));
+    EXPECT_GT(native.GetColumnWidth(1), narrow) << "as wide as the longest text";
+    EXPECT_GE(native.GetColumnWidth(1), native.GetTextExtent(wxString('W', 90)).x);
+  });
+}
+
+TEST_F(ListWindowTest, EmptyListSaysWhy) {
+  list.SetEmptyText(L"Nothing & nobody");
+  Run([&] {
+    const wxWindow& native = NativeList(list);
+    ASSERT_NE(nullptr, EmptyTextOf(native));
+    EXPECT_EQ("Nothing & nobody", EmptyTextOf(native)->GetLabelText());
+    list.AddItem({.text = L"something"});
+    EXPECT_TRUE(Wait([&] { return EmptyTextOf(native) == nullptr; }));
+    list.Clear();
+    EXPECT_TRUE(Wait([&] { return EmptyTextOf(native) != nullptr; }));
+  });
+}
+
+TEST_F(ListWindowTest, ClickOnABoxIsAnEventAndSelectingIsNone) {
+  for (int item = 0; item < 3; ++item) list.AddItem({.text = L"item"});
+  std::vector<std::size_t> events;
+  list.ItemCheck = [&](std::size_t index) { events.push_back(index); };
+  Run([&] {
+    wxListCtrl& native = NativeList(list);
+    wxRect place;
+    native.GetItemRect(1, place);
+    Click(native, wxPoint(place.x + place.width / 2, place.y + place.height / 2));
+    EXPECT_TRUE(list.Item(1).selected);
+    EXPECT_TRUE(events.empty());
+    Click(native, wxPoint(place.x + 10, place.y + place.height / 2));
+    EXPECT_EQ(std::vector<std::size_t>{1}, events);
+    EXPECT_TRUE(list.Item(1).checked);
+    list.Clear();
+    list.AddItem({.text = L"new"});
+    list.AddItem({.text = L"new"});
+    Settle();
+    EXPECT_EQ(0, native.GetSelectedItemCount()) << "what was selected is gone";
+  });
+}
+
+TEST_F(ListWindowTest, SpaceGoesToThePageWithTheSelectionAndElseToggles) {
+  for (int item = 0; item < 3; ++item) list.AddItem({.text = L"item"});
+  bool page_handles = true;
+  std::vector<bool> seen;
+  list.KeyPress = [&](wchar_t key) {
+    if (key == L' ') {
+      for (const controls::ListItem& item : list.Items()) seen.push_back(item.selected);
+    }
+    return page_handles;
+  };
+  Run([&] {
+    wxListCtrl& native = NativeList(list);
+    native.SetFocus();
+    native.SetItemState(1, wxLIST_STATE_FOCUSED, wxLIST_STATE_FOCUSED);
+    for (const long item : {1, 2}) {
+      native.SetItemState(item, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+    }
+    Key(WXK_SPACE);
+    EXPECT_EQ((std::vector<bool>{false, true, true}), seen);
+    EXPECT_FALSE(list.Item(1).checked) << "the page has dealt with it";
+    page_handles = false;
+    Key(WXK_SPACE);
+    EXPECT_TRUE(list.Item(1).checked);
+    EXPECT_EQ(6U, seen.size()) << "asked once a key";
+  });
+}
+
+}  // namespace
