@@ -18,7 +18,7 @@ double PixelsOfTwip(const wxWindow& window) {
 // In 16 bits surrogates come in pairs and are left to the toolkit.
 bool CanBeShown(wchar_t character) {
   if constexpr (sizeof(wchar_t) == 2) return character != 0;
-  const auto code = static_cast<std::uint32_t>(character);
+  const auto code = static_cast<char32_t>(character);
   return code != 0 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 

@@ -34,7 +34,9 @@ class Application final : public wxApp {
   int FilterEvent(wxEvent& event) override {
     if (!gate_.Working() || !IsInput(event)) return Event_Skip;
     auto* const window = wxDynamicCast(event.GetEventObject(), wxWindow);
-    const bool on_form = window != nullptr && wxGetTopLevelParent(window) == GetTopWindow();
+    // Not a dialog, which may well be the first window of all.
+    const bool on_form =
+        window != nullptr && dynamic_cast<FormFrame*>(wxGetTopLevelParent(window)) != nullptr;
     return on_form ? Event_Processed : Event_Skip;
   }
 
@@ -52,14 +54,16 @@ void TellAssertion(const wxString& file, int line, const wxString&, const wxStri
 // The toolkit while it runs; false when it cannot, for want of a display.
 class Toolkit {
  public:
-  Toolkit(const std::string& name, const WorkGate& gate) : name_(name) {
+  Toolkit(std::string name, const WorkGate& gate) : name_(std::move(name)) {
     wxSetAssertHandler(TellAssertion);
     wxApp::SetInstance(new Application(gate));
     const wxLogNull quiet;
     int count = 1;
     char* arguments[] = {name_.data(), nullptr};
     started_ = wxEntryStart(count, arguments) && wxTheApp->CallOnInit();
-    if (started_) delete wxLog::SetActiveTarget(new wxLogStderr);  // never a box that says it
+    if (!started_) return;
+    // Never a box that says it; the toolkit owns its log.
+    delete wxLog::SetActiveTarget(new wxLogStderr);  // NOLINT(clang-analyzer-cplusplus*)
   }
   ~Toolkit() {
     if (started_) wxEntryCleanup();
@@ -86,9 +90,7 @@ wxIconBundle ReadIcons(std::span<const unsigned char> bytes) {
 class WindowSystem::Parts {
  public:
   explicit Parts(Program of)
-      : program(std::move(of)), gate(program.end_work, program.report_error) {
-    gate.drop_input = [] { wxTheApp->Yield(true); };
-  }
+      : program(std::move(of)), gate(program.end_work, program.report_error) {}
 
   Program program;
   Texts texts;
@@ -130,6 +132,8 @@ int WindowSystem::Run(const std::function<bool()>& start) {
   bool started = false;
   const bool whole = parts_->gate.Work([&] { started = start(); });
   if (!whole || !started) return parts_->gate.Ending() ? 0 : 1;
+  // From now on: before, there was no window to click on.
+  parts_->gate.drop_input = [] { wxTheApp->Yield(true); };
   if (parts_->loaded) wxTheApp->OnRun();
   return 0;
 }

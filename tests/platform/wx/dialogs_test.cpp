@@ -48,6 +48,14 @@ TEST_F(DialogsTest, QuestionIsAnsweredByItsButtons) {
   Run([&] { Click(WindowOf<wxWindow>(form.next)); });
 }
 
+TEST_F(DialogsTest, MessageBeforeThereIsAFormCanBeClosed) {
+  EXPECT_EQ(1, windows.Run([&] {
+    InDialog([](wxDialog& dialog) { Click(*dialog.FindWindow(wxID_OK)); });
+    windows.Prompt().ShowMessage(L"No texts", L"Orvane");
+    return false;
+  }));
+}
+
 TEST_F(DialogsTest, LongMessageFitsTheScreen) {
   std::wstring text;
   for (int line = 0; line < 500; ++line) text += L"A line of a long message\r\n";
