@@ -98,25 +98,6 @@ RowPointer PageAllocator::NewMap() {
   return {map_page_, data_page::AddRow(page, kEmptyMap)};
 }
 
-void PageAllocator::DropMap(RowPointer at) {
-  pager_.Defer(CleanUp::kUnreferenced, [this, at] {
-    const MapRow row = FindMapRow(pager_, at);
-    std::vector<PageNumber> map_pages;
-    for (std::size_t i = 0; row.is_reference() && i < usage_map::kMapPages; ++i) {
-      if (row.map_page(i) != 0) map_pages.push_back(row.map_page(i));
-    }
-    for (const PageNumber map_page : map_pages) {
-      MapPageBits(pager_, map_page);
-      Release(map_page);
-    }
-    ByteEditor page = pager_.Edit(at.page);
-    data_page::RemoveRow(page, at.row);
-    if (data_page::RowCount(page.view()) > 0 || at.page == kGlobalMapPage) return;
-    if (map_page_ == at.page) map_page_ = 0;
-    Release(at.page, data_page::kReleasedMark);
-  });
-}
-
 std::optional<PageNumber> PageAllocator::FindFree(PageNumber from) {
   const MapRow row = FindMapRow(pager_, free_pages_);
   if (!row.is_reference()) {

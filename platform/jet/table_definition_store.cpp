@@ -17,9 +17,6 @@ constexpr std::size_t kMaxChain = 64;
 
 constexpr std::size_t kBytesOfFurtherPage = kPageSize - format::kPageHeaderSize;
 
-// First byte of the first page of a dropped table's definition.
-constexpr std::uint8_t kDroppedMark = 0x08;
-
 // Pages that a definition of this length occupies.
 std::size_t PagesFor(std::size_t length) {
   const std::size_t used = length + format::kReserve;
@@ -95,12 +92,6 @@ void WriteTableDefinition(Pager& pager, PageAllocator& allocator,
     page.SetU32(format::kNextPageAt, i + 1 < pages.size() ? pages[i + 1] : 0);
   }
   for (std::size_t i = 1; i < old_pages.size(); ++i) allocator.Release(old_pages[i]);
-}
-
-void DropTableDefinition(Pager& pager, PageAllocator& allocator, PageNumber page) {
-  const std::vector<PageNumber> pages = TableDefinitionPages(pager, page);
-  allocator.Release(page, kDroppedMark);
-  for (std::size_t i = 1; i < pages.size(); ++i) allocator.Release(pages[i]);
 }
 
 void PatchRowCount(Pager& pager, PageNumber page, std::uint32_t rows) {

@@ -26,9 +26,6 @@ std::vector<PageNumber> TableDefinitionPages(const Pager& pager, PageNumber page
 void WriteTableDefinition(Pager& pager, PageAllocator& allocator,
                           const TableDefinition& definition);
 
-// Gives the definition's pages back; the first is marked as a dropped table's.
-void DropTableDefinition(Pager& pager, PageAllocator& allocator, PageNumber page);
-
 // Counters in place, without a look at the rest of the definition.
 void PatchRowCount(Pager& pager, PageNumber page, std::uint32_t rows);
 void PatchLastAutonumber(Pager& pager, PageNumber page, std::int32_t last);

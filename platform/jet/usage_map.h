@@ -81,9 +81,6 @@ class PageAllocator {
 
   // An empty map in a new row of a map page with room (a page owned by nobody, shared by tables).
   RowPointer NewMap();
-  // Deletes the map's row when the transaction commits; then also gives back what it alone
-  // occupied: its map pages, and the page of its row when that was the last one there.
-  void DropMap(RowPointer at);
 
  private:
   // The first page at or behind `from` that the map says is free; nothing when it has no more.

@@ -22,17 +22,11 @@ TEST(ErrorsTest, EngineErrorsCarryNumberTextAndNames) {
        L"Could not use 'C:\\a.pt'; file already in use."},
       {jet::Error(ErrorKind::kInUse), 3045, L"Could not use 'open.pt'; file already in use."},
       {jet::Error(ErrorKind::kWrongPassword), 3031, L"Not a valid password."},
-      {jet::Error(ErrorKind::kNullInRequired, Names{u"Article", u"Code"}), 3314,
-       L"The field 'Article.Code' cannot contain a Null value because the Required property for "
-       L"this field is set to True.  Enter a value in this field."},
       {jet::Error(ErrorKind::kZeroLength, Names{u"Article", u"Code"}), 3315,
        L"Field 'Article.Code' cannot be a zero-length string."},
       {jet::Error(ErrorKind::kNoParentRow, Names{u"Serie"}), 3201,
        L"You cannot add or change a record because a related record is required in table "
        L"'Serie'."},
-      {jet::Error(ErrorKind::kTooLong, {u"Code"}, "60 characters"), 3163,
-       L"The field is too small to accept the amount of data you attempted to add.  Try inserting "
-       L"or pasting less data."},
       {jet::Error(ErrorKind::kNotSupported, "index order 2052 is not known"), 3027,
        L"Cannot update.  Database or object is read-only. (index order 2052 is not known)"},
       {jet::Error(ErrorKind::kDamaged, "offsets rise", 17), 3049,

@@ -99,34 +99,5 @@ TEST_P(ProductTablesTest, JoinsAndSubqueriesFindWhatAWalkFinds) {
   }
 }
 
-TEST_P(ProductTablesTest, RowsAreAddedChangedAndDeleted) {
-  const std::size_t before = Count(L"Article");
-  Recordset series;
-  series.Open(L"Serie", connection_);
-  const text::Variant serie = series(L"SerieNr").Value();
-  const auto open = [&](Recordset& rows) {
-    rows.Open(L"SELECT * FROM Article WHERE Code = 'NEW 1'", connection_, CursorType::kForwardOnly,
-              LockType::kOptimistic);
-  };
-  Recordset added;
-  open(added);
-  ASSERT_TRUE(added.Eof());
-  added.AddNew();
-  added(L"fkSerie") = serie;
-  added(L"Code") = L"NEW 1";
-  added(L"Description") = L"new";
-  added.Update();
-  EXPECT_EQ(Count(L"Article"), before + 1);
-
-  Recordset changed;
-  open(changed);
-  EXPECT_EQ(changed(L"ID").Value(), added(L"ID").Value());
-  changed(L"Description") = L"a longer text than before";
-  changed.Update();
-  EXPECT_EQ(added(L"Description").Value(), text::Variant(L"a longer text than before"));
-  changed.Delete();
-  EXPECT_EQ(Count(L"Article"), before);
-}
-
 }  // namespace
 }  // namespace database

@@ -141,19 +141,6 @@ TEST_P(QueryTest, OrderLimitAndDistinctRows) {
   EXPECT_EQ(Keys(L"SELECT DISTINCTROW" + join + L" ORDER BY ID", L"ID"), L"1,2,3,4,5");
 }
 
-TEST_P(QueryTest, SharedColumnNamesAreShownWithTheirTable) {
-  database_.Add(L"Kinds", {{L"Text", L"a"}});
-  Recordset rows;
-  rows.Open(
-      L"SELECT Article.ID, Kinds.ID, Kinds.Text FROM Article INNER JOIN Kinds ON Article.ID = "
-      L"Kinds.ID",
-      database_.connection());
-  ASSERT_EQ(rows.FieldCount(), 3u);
-  EXPECT_EQ(rows.FieldAt(0).Name(), L"Article.ID");
-  EXPECT_EQ(rows.FieldAt(1).Name(), L"Kinds.ID");
-  EXPECT_EQ(rows.FieldAt(2).Name(), L"Text");
-}
-
 TEST_P(QueryTest, NamesAndTypesThatDoNotFitAreRefused) {
   const std::pair<const wchar_t*, int> cases[] = {
       {L"SELECT * FROM Suplier", 3078},

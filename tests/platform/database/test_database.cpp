@@ -59,8 +59,12 @@ TestDatabase::TestDatabase(Indexes indexes) : path_(folder_.Text("product.pt")) 
 }
 
 void TestDatabase::Add(const std::wstring& table, const Values& values) {
+  AddRow(connection_, table, values);
+}
+
+void AddRow(Connection& connection, const std::wstring& table, const TestDatabase::Values& values) {
   Recordset rows;
-  rows.Open(table, connection_, CursorType::kDynamic, LockType::kOptimistic);
+  rows.Open(table, connection, CursorType::kDynamic, LockType::kOptimistic);
   rows.AddNew();
   for (const auto& [name, value] : values) rows(name) = value;
   rows.Update();

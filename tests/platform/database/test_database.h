@@ -24,7 +24,7 @@ class TestDatabase {
   const test_support::TemporaryFolder& folder() const { return folder_; }
   Connection& connection() { return connection_; }
 
-  // Adds a row with these values, column by column, as a dynamic recordset does.
+  // Adds a row with these values.
   using Values = std::vector<std::pair<std::wstring, text::Variant>>;
   void Add(const std::wstring& table, const Values& values);
 
@@ -40,6 +40,9 @@ class TestDatabase {
 // Opens a connection with the password.
 void OpenConnection(Connection& connection, const std::wstring& path,
                     const std::wstring& password = TestDatabase::kPassword);
+
+// Adds a row with these values, column by column, as a dynamic recordset does.
+void AddRow(Connection& connection, const std::wstring& table, const TestDatabase::Values& values);
 
 // The number of the RuntimeError that `work` throws; 0 when it throws none.
 template <class Work>

@@ -44,31 +44,6 @@ class CompactionFilesTest : public ::testing::Test {
   std::string before_;
 };
 
-TEST_F(CompactionFilesTest, WhatCannotBeginLeavesNothing) {
-  const auto fails_with = [&](const std::filesystem::path& from, const std::filesystem::path& to,
-                              const char16_t* password, ErrorKind kind) {
-    SCOPED_TRACE(from.filename().string() + " to " + to.filename().string());
-    const auto failure = FailureOf([&] { CompactFile(from, to, {.password = password}); });
-    ASSERT_TRUE(failure.has_value());
-    EXPECT_EQ(failure->kind, kind);
-  };
-  fails_with(folder_ / "missing.pt", target_, u"secret", ErrorKind::kFileNotFound);
-  fails_with(source_, folder_ / "missing" / "x.pt", u"secret", ErrorKind::kPathNotFound);
-  fails_with(source_, target_, u"", ErrorKind::kWrongPassword);
-  fails_with(source_, source_, u"secret", ErrorKind::kDatabaseExists);
-  EXPECT_THAT(FilesLeft(), ElementsAre("source.pt"));
-  {
-    const auto user = Database::Open(source_, {.password = u"secret"});
-    fails_with(source_, target_, u"secret", ErrorKind::kInUse);
-    EXPECT_EQ(FailureOf([&] { CompactInPlace(source_, options_); })->kind, ErrorKind::kInUse);
-  }
-  folder_.Write("target.pt", "something");
-  fails_with(source_, target_, u"secret", ErrorKind::kDatabaseExists);
-  EXPECT_EQ(test_support::ReadAll(target_), "something");
-  EXPECT_THAT(FilesLeft(), ElementsAre("source.pt", "target.pt"));
-  EXPECT_EQ(test_support::ReadAll(source_), before_);
-}
-
 TEST_F(CompactionFilesTest, AnEndedCompactionLeavesNothing) {
   std::size_t calls = 0;
   CompactFile(source_, target_, {.password = u"secret", .progress = [&] { ++calls; }});

@@ -3,14 +3,7 @@
 #include "platform/jet/database.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "platform/jet/check.h"
-#include "platform/jet/database_header_format.h"
 #include "platform/jet/database_impl.h"
 #include "platform/jet/table_impl.h"
 #include "tests/platform/jet/test_database.h"
@@ -24,17 +17,24 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 using enum ErrorKind;
+using enum ColumnType;
 
-void CreateSimpleTable(TestDatabase& database) {
-  database->CreateTable({.name = u"Goods",
-                         .columns = {{.name = u"Id"},
-                                     {.name = u"Code", .type = ColumnType::kText, .size = 20},
-                                     {.name = u"Exact", .type = ColumnType::kNumeric}},
-                         .indexes = {{.name = u"PrimaryKey", .columns = {{u"Id"}}, .primary = true},
-                                     {.name = u"Code", .columns = {{u"Code"}}},
-                                     {.name = u"Exact", .columns = {{u"Exact"}}}}});
-  Row row = {1, u"one", Null{}};
-  database[u"Goods"].Insert(row);
+void CreateGoods(TestDatabase& database) {
+  database->CreateTable({u"Goods",
+                         {{u"Id"}, {u"Code", kText, 20}, {u"Exact", kNumeric}},
+                         {PrimaryKey(u"Id"), {u"Code", {{u"Code"}}}, {u"Exact", {{u"Exact"}}}}});
+  Add(database[u"Goods"], {1, u"one", Null{}});
+}
+
+// Every change of the table is refused, and the disk stays as it is.
+void ExpectRefused(TestDatabase& database, const Failure& refusal) {
+  const std::vector<PageBytes> before = database.disk().Snapshot();
+  Table& goods = database[u"Goods"];
+  const StoredRowValues row = RowsOf(goods).at(0);
+  EXPECT_EQ(FailureOf([&] { Add(goods, row.values); }), refusal);
+  EXPECT_EQ(FailureOf([&] { goods.Update(row.id, row.values); }), refusal);
+  EXPECT_EQ(FailureOf([&] { goods.Delete(row.id); }), refusal);
+  EXPECT_TRUE(database.disk().Snapshot() == before);
 }
 
 TEST(DatabaseTest, APasswordIsComparedExactly) {
@@ -60,21 +60,20 @@ TEST(DatabaseTest, NamesTheFileThatIsNoDatabase) {
 TEST(DatabaseTest, OpenedForReadingItRefusesEveryChange) {
   const test_support::TemporaryFolder folder;
   const std::filesystem::path path = folder / "t.mdb";
-  Database::Create(path)->CreateTable({.name = u"T", .columns = {{.name = u"A"}}});
+  Database::Create(path)->CreateTable({u"T", {{u"A"}}});
   const std::string before = test_support::ReadAll(path);
   const auto database = Database::Open(path, {.read_only = true});
   EXPECT_NE(database->write_refusal(), "");
-  Row row = {1};
-  EXPECT_EQ(FailureOf([&] { database->OpenTable(u"T").Insert(row); }), (Failure{kReadOnly, {}}));
-  EXPECT_EQ(FailureOf([&] { database->CreateTable({.name = u"U", .columns = {{.name = u"A"}}}); }),
-            (Failure{kReadOnly, {}}));
+  const Failure refusal{kReadOnly, {}};
+  EXPECT_EQ(FailureOf([&] { Add(database->OpenTable(u"T"), {1}); }), refusal);
+  EXPECT_EQ(FailureOf([&] { database->CreateTable({u"U", {{u"A"}}}); }), refusal);
   EXPECT_TRUE(test_support::ReadAll(path) == before);
 }
 
 TEST(DatabaseTest, FindsTablesWithoutCaseAndListsThoseOfTheUserByName) {
   TestDatabase database;
   for (const char16_t* name : {u"b table", u"\u00c4rger", u"B", u"Zoo", u"a"})
-    database->CreateTable({.name = name, .columns = {{.name = u"X"}}});
+    database->CreateTable({name, {{u"X"}}});
   EXPECT_THAT(database->TableNames(), ElementsAre(u"a", u"\u00c4rger", u"B", u"b table", u"Zoo"));
   EXPECT_EQ(database[u"\u00e4RGER"].name(), u"\u00c4rger");
   EXPECT_EQ(database[u"msysobjects"].name(), u"MSysObjects");
@@ -84,147 +83,87 @@ TEST(DatabaseTest, FindsTablesWithoutCaseAndListsThoseOfTheUserByName) {
             (Failure{kNotSupported, {u"MSysObjects"}}));
 }
 
+// Gives every row of a system table another security id.
+void ForgeSecurityIds(TestDatabase& database, std::u16string_view name, const char16_t* column) {
+  Table& table = database[name];
+  for (StoredRowValues& row : RowsOf(table)) {
+    row.values[*table.FindColumn(column)] = Bytes(2, std::byte{0x55});
+    table.impl().Update(row.id, row.values);
+  }
+}
+
 // What makes a whole file one that is only read.
 TEST(DatabaseTest, FilesNotFullyUnderstoodAreReadButNotChanged) {
   struct Case {
     const char* reason;
     std::function<void(TestDatabase&)> damage;
   };
-  const std::vector<Case> cases = {
-      {"repair",
-       [](TestDatabase& database) {
-         database.EditPage(0, [](ByteEditor& page) { page.SetU16(0xe00 + 2 * 7, 0x0000); });
-       }},
-      {"repair",
-       [](TestDatabase& database) {
-         database.EditPage(0, [](ByteEditor& page) { page.SetU16(0xe00 + 2 * 255, 0x0001); });
-       }},
-      {"security ids",
-       [](TestDatabase& database) {
-         Table& objects = database[u"MSysObjects"];
-         for (StoredRowValues& row : RowsOf(objects)) {
-           Row changed = row.values;
-           changed[*objects.FindColumn(u"Owner")] = Bytes(2, std::byte{0x55});
-           objects.impl().Update(row.id, changed);
-         }
-         database.Reopen();
-       }},
-      {"secured",
-       [](TestDatabase& database) {
-         Table& rights = database[u"MSysACEs"];
-         for (StoredRowValues& row : RowsOf(rights)) {
-           Row changed = row.values;
-           changed[*rights.FindColumn(u"SID")] = Bytes(2, std::byte{0x55});
-           rights.impl().Update(row.id, changed);
-         }
-         database.Reopen();
+  const auto map_row = [](TestDatabase& d) { return ByteView(d.disk().Page(1)).U16(14); };
+  const Case cases[] = {
+      {"repair", [](auto& d) { ByteEditor(d.disk().Page(0)).SetU16(0xe00 + 2 * 7, 0x0000); }},
+      {"repair", [](auto& d) { ByteEditor(d.disk().Page(0)).SetU16(0xe00 + 2 * 255, 0x0001); }},
+      {"security ids", [](auto& d) { ForgeSecurityIds(d, u"MSysObjects", u"Owner"); }},
+      {"secured", [](auto& d) { ForgeSecurityIds(d, u"MSysACEs", u"SID"); }},
+      {"replication",
+       [](auto& d) {
+         d->CreateTable({u"MSysReplicas", {{u"A"}}});
        }},
       {"replication",
-       [](TestDatabase& database) {
-         database->CreateTable({.name = u"MSysReplicas", .columns = {{.name = u"A"}}});
-         database.Reopen();
+       [](auto& d) {
+         d->CreateTable({u"T", {{u"S_GUID"}}});
        }},
       {"replication",
-       [](TestDatabase& database) {
-         database->CreateTable({.name = u"T", .columns = {{.name = u"S_GUID"}}});
-         database.Reopen();
-       }},
-      {"replication",
-       [](TestDatabase& database) {
-         database->CreateTable({.name = u"T", .columns = {{.name = u"Gen_Notes"}}});
-         database.Reopen();
+       [](auto& d) {
+         d->CreateTable({u"T", {{u"Gen_Notes"}}});
        }},
       {"system tables",
-       [](TestDatabase& database) {
-         database.EditDefinition(u"MSysQueries", [](TableDefinition& definition) {
-           definition.columns[0].name = u"Other";
-         });
+       [](auto& d) {
+         d.EditDefinition(u"MSysQueries", [](auto& table) { table.columns[0].name = u"Other"; });
        }},
-      {"maps",
-       [](TestDatabase& database) {
-         // The page of the table's rows is offered as free.
-         const PageNumber page = RowsOf(database[u"Goods"]).at(0).id.page;
-         PageBytes& maps = database.disk().Page(1);
-         const std::size_t row = ByteView(maps).U16(14);
-         maps.at(row + 5 + page / 8) |= std::byte{1} << page % 8;
-         database.Reopen();
+      {"maps",  // the page of the table's rows is offered as free
+       [&](auto& d) {
+         const PageNumber page = RowsOf(d[u"Goods"]).at(0).id.page;
+         d.disk().Page(1).at(map_row(d) + 5 + page / 8) |= std::byte{1} << page % 8;
        }},
-      {"maps",
-       [](TestDatabase& database) {
-         PageBytes& maps = database.disk().Page(1);
-         maps.at(ByteView(maps).U16(14)) = std::byte{2};  // no such form
-         database.Reopen();
-       }},
+      {"maps", [&](auto& d) { d.disk().Page(1).at(map_row(d)) = std::byte{2}; }},  // no such form
   };
   for (const Case& test : cases) {
     SCOPED_TRACE(test.reason);
     TestDatabase database;
-    CreateSimpleTable(database);
+    CreateGoods(database);
     test.damage(database);
+    database.Reopen();
     EXPECT_THAT(database->write_refusal(), HasSubstr(test.reason));
-    const std::vector<PageBytes> before = database.disk().Snapshot();
-    Table& goods = database[u"Goods"];
-    const StoredRowValues row = RowsOf(goods).at(0);
-    Row added = {2, u"two", Null{}};
-    EXPECT_EQ(FailureOf([&] { goods.Insert(added); }), (Failure{kNotSupported, {}}));
-    EXPECT_EQ(FailureOf([&] { goods.Update(row.id, added); }), (Failure{kNotSupported, {}}));
-    EXPECT_EQ(FailureOf([&] { goods.Delete(row.id); }), (Failure{kNotSupported, {}}));
-    EXPECT_EQ(
-        FailureOf([&] { database->CreateTable({.name = u"New", .columns = {{.name = u"A"}}}); }),
-        (Failure{kNotSupported, {}}));
-    EXPECT_EQ(
-        FailureOf([&] { database->CreateIndex(u"Goods", {.name = u"New", .columns = {{u"Id"}}}); }),
-        (Failure{kNotSupported, {}}));
-    EXPECT_TRUE(database.disk().Snapshot() == before);
+    const Failure refusal{kNotSupported, {}};
+    ExpectRefused(database, refusal);
+    EXPECT_EQ(FailureOf([&] { database->CreateTable({u"New", {{u"A"}}}); }), refusal);
+    EXPECT_EQ(FailureOf([&] { database->CreateIndex(u"Goods", {u"New", {{u"Id"}}}); }), refusal);
   }
 }
 
 // What makes one table one that is only read, while the others can be changed.
 TEST(DatabaseTest, TablesNotFullyUnderstoodAreReadButNotChanged) {
-  struct Case {
-    const char* what;
-    void (*change)(TableDefinition&);
-  };
-  const std::vector<Case> cases = {
-      {"sort order",
-       [](TableDefinition& definition) { definition.columns[1].collation.language = 2052; }},
-      {"sort version",
-       [](TableDefinition& definition) { definition.columns[1].collation.version = 1; }},
+  using Definition = TableDefinition;
+  const std::pair<const char*, void (*)(Definition&)> cases[] = {
+      {"sort order", [](Definition& table) { table.columns[1].collation.language = 2052; }},
+      {"sort version", [](Definition& table) { table.columns[1].collation.version = 1; }},
       {"descending decimals",
-       [](TableDefinition& definition) {
-         definition.physical_indexes[2].columns[0].ascending = false;
-       }},
+       [](Definition& table) { table.physical_indexes[2].columns[0].ascending = false; }},
       {"root of another index",
-       [](TableDefinition& definition) {
-         std::swap(definition.physical_indexes[1].pages_map,
-                   definition.physical_indexes[2].pages_map);
+       [](Definition& table) {
+         std::swap(table.physical_indexes[1].pages_map, table.physical_indexes[2].pages_map);
        }},
   };
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.what);
+  for (const auto& [what, change] : cases) {
+    SCOPED_TRACE(what);
     TestDatabase database;
-    CreateSimpleTable(database);
-    database->CreateTable({.name = u"Other", .columns = {{.name = u"A"}}});
-    database.EditDefinition(u"Goods", test.change);
+    CreateGoods(database);
+    database->CreateTable({u"Other", {{u"A"}}});
+    database.EditDefinition(u"Goods", change);
     EXPECT_EQ(database->write_refusal(), "");
-    const std::vector<PageBytes> before = database.disk().Snapshot();
-    Table& goods = database[u"Goods"];
-    Row row = RowsOf(goods).at(0).values;
-    const auto refusal = Failure{kNotSupported, {u"Goods"}};
-    EXPECT_EQ(FailureOf([&] { goods.Insert(row); }), refusal);
-    EXPECT_EQ(FailureOf([&] { goods.Update(RowsOf(goods)[0].id, row); }), refusal);
-    EXPECT_EQ(FailureOf([&] { goods.Delete(RowsOf(goods)[0].id); }), refusal);
-    EXPECT_TRUE(database.disk().Snapshot() == before);
-    Row other = {1};
-    EXPECT_EQ(FailureOf([&] { database[u"Other"].Insert(other); }), std::nullopt);
+    ExpectRefused(database, {kNotSupported, {u"Goods"}});
+    EXPECT_EQ(FailureOf([&] { Add(database[u"Other"], {1}); }), std::nullopt);
   }
-}
-
-TEST(DatabaseTest, CommitWordsStayAsTheyAre) {
-  TestDatabase database;
-  const PageBytes header = database.disk().Page(0);
-  CreateSimpleTable(database);
-  EXPECT_EQ(database.disk().Page(0), header);
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
 // Short ways to write down columns and tables in tests of the engine.
 #pragma once
 
-#include <random>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/jet/error.h"
 #include "platform/jet/table_definition.h"
 
 namespace jet::test {
@@ -61,42 +62,15 @@ inline std::string ToHex(const Bytes& bytes) {
   return hex;
 }
 
-// Runs `use` on damaged versions of `bytes`: cut at each length, each byte changed in several ways,
-// and several bytes at random. Only the engine's own error may come out of it.
-template <typename Use>
-void UseDamaged(const Bytes& bytes, Use use) {
-  const auto tolerant = [&use](const Bytes& damaged) {
-    try {
-      use(damaged);
-    } catch (const Error&) {
-    }
-  };
-  for (std::size_t length = 0; length < bytes.size(); ++length)
-    tolerant(Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)));
-  for (std::size_t at = 0; at < bytes.size(); ++at)
-    for (const unsigned change : {0x01u, 0x10u, 0x80u, 0xffu}) {
-      Bytes damaged = bytes;
-      damaged[at] ^= static_cast<std::byte>(change);
-      tolerant(damaged);
-    }
-  std::minstd_rand random(1);  // the same damage in each run
-  for (int round = 0; round < 2000; ++round) {
-    Bytes damaged = bytes;
-    for (auto left = 1 + random() % 8; left > 0; --left)
-      damaged[random() % damaged.size()] = static_cast<std::byte>(random() & 0xff);
-    tolerant(damaged);
-  }
-}
-
 // What kind of error an action ends in; nothing when it succeeds.
 template <typename Action>
-std::string KindOf(Action action) {
+std::optional<ErrorKind> KindOf(Action action) {
   try {
     action();
   } catch (const Error& error) {
-    return std::to_string(static_cast<int>(error.kind()));
+    return error.kind();
   }
-  return "none";
+  return std::nullopt;
 }
 
 }  // namespace jet::test

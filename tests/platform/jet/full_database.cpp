@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/jet/database_impl.h"
+#include "tests/platform/jet/random_rows.h"
 
 namespace jet::test {
 
@@ -62,47 +63,6 @@ bool NameObjects(Database& database, const Table& table, Row& row) {
   return true;
 }
 
-constexpr ColumnType kTypes[] = {ColumnType::kBoolean,  ColumnType::kByte,   ColumnType::kInteger,
-                                 ColumnType::kCurrency, ColumnType::kSingle, ColumnType::kDouble,
-                                 ColumnType::kDate,     ColumnType::kBinary, ColumnType::kText,
-                                 ColumnType::kOle,      ColumnType::kMemo,   ColumnType::kGuid,
-                                 ColumnType::kNumeric};
-
-Value ValueOf(ColumnType type, std::uint32_t n) {
-  const std::size_t length = n % 3 == 0 ? n % 50 : n % 7 == 0 ? 4000 + n * 20 : 100 + n;
-  switch (type) {
-    case ColumnType::kBoolean:
-      return n % 2 == 0;
-    case ColumnType::kByte:
-      return static_cast<std::uint8_t>(n);
-    case ColumnType::kInteger:
-      return static_cast<std::int16_t>(n * 77);
-    case ColumnType::kCurrency:
-      return Currency{std::int64_t{n} * -12345};
-    case ColumnType::kSingle:
-      return static_cast<float>(n) / 3;
-    case ColumnType::kDouble:
-      return n / -7.0;
-    case ColumnType::kDate:
-      return Date{38000.0 + n};
-    case ColumnType::kBinary:
-      return Bytes(n % 40, static_cast<std::byte>(n));
-    case ColumnType::kText:
-      return std::u16string(n % 60, static_cast<char16_t>(u'a' + n % 26)) + u"\u00e9";
-    case ColumnType::kOle:
-      return Bytes(length, static_cast<std::byte>(n));
-    case ColumnType::kMemo:
-      return std::u16string(length, n % 2 == 0 ? u'm' : u'\u0161');
-    case ColumnType::kGuid: {
-      Guid guid;
-      guid.stored.fill(static_cast<std::byte>(n));
-      return guid;
-    }
-    default:
-      return Numeric{.negative = n % 2 == 0, .scale = 0, .magnitude = {0, 0, n, n}};
-  }
-}
-
 }  // namespace
 
 std::string Ascii(const std::u16string& text) {
@@ -130,33 +90,39 @@ Contents ContentsOf(Database& database) {
 }
 
 void FillWithEverything(TestDatabase& database) {
-  TableSpec all{.name = u"All", .columns = {{.name = u"Key", .type = ColumnType::kLong}}};
-  for (const ColumnType type : kTypes)
-    all.columns.push_back(
-        {.name = u"C" + Text(std::to_string(static_cast<int>(type))), .type = type, .size = 120});
-  all.indexes = {{.name = u"PrimaryKey", .columns = {{u"Key"}}, .primary = true},
-                 {.name = u"Texts", .columns = {{u"C10", false}, {u"C1"}}},
-                 {.name = u"Memos", .columns = {{u"C12"}}, .ignore_nulls = true},
-                 {.name = u"Kinds", .columns = {{u"C2"}}}};
-  database->CreateTable(all);
-  database->CreateTable({.name = u"Parents",
-                         .columns = {{.name = u"Id", .type = ColumnType::kLong, .autonumber = true},
-                                     {.name = u"Code",
-                                      .type = ColumnType::kText,
-                                      .size = 20,
-                                      .required = true,
-                                      .allow_zero_length = false}},
-                         .indexes = {{.name = u"PK", .columns = {{u"Id"}}, .primary = true}}});
-  database->CreateTable({.name = u"Children",
-                         .columns = {{.name = u"Parent", .type = ColumnType::kLong},
-                                     {.name = u"Gone", .type = ColumnType::kLong},
-                                     {.name = u"Yes", .type = ColumnType::kBoolean},
-                                     {.name = u"Name", .type = ColumnType::kText, .size = 50},
-                                     {.name = u"GoneText", .type = ColumnType::kText, .size = 50},
-                                     {.name = u"Last", .type = ColumnType::kText, .size = 50}},
-                         .indexes = {{.name = u"Last", .columns = {{u"Last"}}}}});
+  using enum ColumnType;
+  database->CreateTable({u"All",
+                         {{u"Key"},
+                          {u"Flag", kBoolean},
+                          {u"Byte", kByte},
+                          {u"Integer", kInteger},
+                          {u"Currency", kCurrency},
+                          {u"Single", kSingle},
+                          {u"Double", kDouble},
+                          {u"Date", kDate},
+                          {u"Binary", kBinary, 120},
+                          {u"Text", kText, 120},
+                          {u"Ole", kOle},
+                          {u"Memo", kMemo},
+                          {u"Guid", kGuid},
+                          {u"Numeric", kNumeric}},
+                         {PrimaryKey(u"Key"),
+                          {u"Texts", {{u"Text", false}, {u"Flag"}}},
+                          {.name = u"Memos", .columns = {{u"Memo"}}, .ignore_nulls = true},
+                          {u"Bytes", {{u"Byte"}}}}});
   database->CreateTable(
-      {.name = u"Empty", .columns = {{.name = u"X", .type = ColumnType::kMemo}}, .indexes = {}});
+      {u"Parents",
+       {{.name = u"Id", .autonumber = true}, {u"Code", kText, 20, false, true, false}},
+       {PrimaryKey(u"Id")}});
+  database->CreateTable({u"Children",
+                         {{u"Parent"},
+                          {u"Gone"},
+                          {u"Yes", kBoolean},
+                          {u"Name", kText, 50},
+                          {u"GoneText", kText, 50},
+                          {u"Last", kText, 50}},
+                         {{u"Last", {{u"Last"}}}}});
+  database->CreateTable({u"Empty", {{u"X", kMemo}}});
   database->CreateRelationship({.name = u"ParentsChildren",
                                 .table = u"Children",
                                 .columns = {u"Parent"},
@@ -165,35 +131,29 @@ void FillWithEverything(TestDatabase& database) {
                                 .cascade_deletes = true});
 
   // Keys descend, so that the order of the rows is not that of the primary key.
-  for (std::uint32_t n = 400; n-- > 0;) {
-    Row row{static_cast<std::int32_t>(n)};
-    for (const ColumnType type : kTypes)
-      row.push_back(n % 11 == 5 && type != ColumnType::kBoolean ? Value(Null{}) : ValueOf(type, n));
-    database[u"All"].Insert(row);
+  RowMaker maker(1);
+  Table& all = database[u"All"];
+  for (std::int32_t n = 300; n-- > 0;) {
+    Row row = maker.New(all);
+    row[0] = n;
+    all.Insert(row);
   }
-  const std::vector<StoredRowValues> rows = RowsOf(database[u"All"]);
+  const std::vector<StoredRowValues> rows = RowsOf(all);
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (i % 3 == 0) {
-      database[u"All"].Delete(rows[i].id);
+      all.Delete(rows[i].id);
     } else if (i % 5 == 0) {
       Row row = rows[i].values;
-      row[*database[u"All"].FindColumn(u"C10")] = std::u16string(120, u'\u0161');
-      row[*database[u"All"].FindColumn(u"C9")] = Bytes(120, std::byte{7});
-      database[u"All"].Update(rows[i].id, row);
+      row[*all.FindColumn(u"Text")] = std::u16string(120, u'\u0161');
+      row[*all.FindColumn(u"Binary")] = Bytes(120, std::byte{7});
+      all.Update(rows[i].id, row);
     }
   }
   for (std::int32_t i = 1; i <= 60; ++i) {
-    Row parent{Null{}, u"P" + Text(std::to_string(i))};
-    database[u"Parents"].Insert(parent);
-    for (std::int32_t child = 0; child < 5; ++child) {
-      Row row{i,
-              child,
-              child % 2 == 0,
-              u"child of " + Text(std::to_string(i)),
-              std::u16string(40, u'g'),
-              Text(std::to_string(child))};
-      database[u"Children"].Insert(row);
-    }
+    Add(database[u"Parents"], {Null{}, u"P" + Text(std::to_string(i))});
+    for (std::int32_t child = 0; child < 5; ++child)
+      Add(database[u"Children"], {i, child, child % 2 == 0, u"child of " + Text(std::to_string(i)),
+                                  std::u16string(40, u'g'), Text(std::to_string(child))});
   }
   const std::vector<StoredRowValues> parents = RowsOf(database[u"Parents"]);
   for (std::size_t i = 40; i < parents.size(); ++i) database[u"Parents"].Delete(parents[i].id);

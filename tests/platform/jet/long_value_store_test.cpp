@@ -9,7 +9,6 @@
 
 #include "platform/jet/data_page.h"
 #include "tests/platform/jet/storage_file.h"
-#include "tests/platform/jet/test_random.h"
 
 namespace jet::test {
 namespace {
@@ -18,23 +17,23 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Form = LongValueField::Form;
 
-LongValueStore ValuesOf(StorageFile& file, bool shares_pages = true) {
+LongValueStore ValuesOf(StorageFile& file) {
   LongValueMaps maps;
   maps.owned = StorageFile::kValuesOwned;
-  if (shares_pages) maps.with_room = StorageFile::kValuesWithRoom;
+  maps.with_room = StorageFile::kValuesWithRoom;
   return {file.pager(), file.allocator(), maps};
 }
 
-LongValueField Write(StorageFile& file, const Bytes& bytes, bool shares_pages = true) {
+LongValueField Write(StorageFile& file, const Bytes& bytes) {
   PageTransaction transaction(file.pager());
-  LongValueField field = ValuesOf(file, shares_pages).Write(bytes, bytes.size());
+  LongValueField field = ValuesOf(file).Write(bytes, bytes.size());
   transaction.Commit();
   return field;
 }
 
-void Free(StorageFile& file, const LongValueField& field, bool shares_pages = true) {
+void Free(StorageFile& file, const LongValueField& field) {
   PageTransaction transaction(file.pager());
-  ValuesOf(file, shares_pages).Free(field);
+  ValuesOf(file).Free(field);
   transaction.Commit();
 }
 
@@ -100,80 +99,6 @@ TEST(LongValueStoreTest, SharedPagesLeaveTheirMapAt257FreeBytes) {
   Free(file, last);
   EXPECT_THAT(file.Map(StorageFile::kValuesWithRoom).Pages(), ElementsAre(7, 8));
   EXPECT_THAT(file.Faults(), IsEmpty());
-}
-
-TEST(LongValueStoreTest, WithoutAMapOfRoomEachValueHasItsPage) {
-  StorageFile file;
-  const LongValueField first = Write(file, TestBytes(1, 100), false);
-  const LongValueField second = Write(file, TestBytes(2, 100), false);
-  EXPECT_NE(first.at.page, second.at.page);
-  Free(file, first, false);
-  EXPECT_THAT(OwnedPages(file), ElementsAre(second.at.page));
-  EXPECT_THAT(file.Faults(), IsEmpty());
-}
-
-TEST(LongValueStoreTest, BehavesAsAMapOfValues) {
-  StorageFile file;
-  Random random(5);
-  std::vector<std::pair<LongValueField, Bytes>> model;
-  for (int step = 0; step < 1500; ++step) {
-    PageTransaction transaction(file.pager());
-    auto values = ValuesOf(file);
-    const std::size_t at = model.empty() ? 0 : random() % model.size();
-    const bool replaces = !model.empty() && random() % 2 == 0;
-    const Bytes bytes = TestBytes(static_cast<std::uint32_t>(step),
-                                  random() % 10 == 0 ? random() % 20000 : random() % 1500);
-    const bool drops = random() % 20 == 0;
-    const auto field = values.Write(bytes, bytes.size());
-    if (replaces) values.Free(model[at].first);
-    if (drops) continue;
-    transaction.Commit();
-    if (replaces) std::swap(model[at], model.back()), model.pop_back();
-    if (step % 3 == 0 && !model.empty()) {
-      Free(file, model.back().first);
-      model.pop_back();
-    }
-    model.emplace_back(field, bytes);
-    if (step % 100 == 0) {
-      ASSERT_THAT(file.Faults(), IsEmpty()) << step;
-      for (const auto& [stored, expected] : model) ASSERT_EQ(values.Read(stored), expected);
-    }
-  }
-  for (const auto& [field, bytes] : model) Free(file, field);
-  EXPECT_THAT(OwnedPages(file), IsEmpty());
-  EXPECT_THAT(file.Faults(), IsEmpty());
-}
-
-// The row that points to a value changes between the writing of the new and the going of the old.
-TEST(LongValueStoreTest, AKilledReplacementKeepsTheValueThatTheRowPointsTo) {
-  StorageFile file;
-  const LongValueField old_field = Write(file, TestBytes(1, 500));
-  Write(file, TestBytes(2, 5));
-  std::size_t writes = 1;
-  const auto pages = file.disk().Snapshot();
-  for (std::size_t killed_at = 0; killed_at <= writes; ++killed_at) {
-    SCOPED_TRACE(killed_at);
-    file.Load(pages);
-    file.disk().CutOffAtWrite(killed_at);
-    LongValueField new_field;
-    {
-      PageTransaction transaction(file.pager());
-      auto values = ValuesOf(file);
-      file.pager().Edit(4).SetU8(0, 1);  // stands for the row, even if touched first
-      new_field = values.Write(TestBytes(3, 600), 600);
-      ASSERT_EQ(new_field.at.page, old_field.at.page);
-      values.Free(old_field);
-      transaction.Commit();
-    }
-    writes = file.disk().writes;
-    file.disk().Heal();
-    file.Reopen();
-    const bool is_changed = file.disk().Page(4)[0] == std::byte{1};
-    EXPECT_EQ(ValuesOf(file).Read(is_changed ? new_field : old_field),
-              is_changed ? TestBytes(3, 600) : TestBytes(1, 500));
-    EXPECT_THAT(file.Faults(false), IsEmpty());
-  }
-  EXPECT_EQ(writes, 3U);
 }
 
 TEST(LongValueStoreTest, DamagedChainsAreNeitherReadNorFreed) {

@@ -19,19 +19,15 @@ struct MemoryDisk {
   std::size_t writes = 0;             // asked for since this was last set to 0
   std::vector<PageNumber> write_log;  // their pages
 
-  // The write with this number (from 0, counted by `writes`) throws `failure`; so do those after
-  // it when `keeps_failing`.
+  // The write with this number (from 0, counted by `writes`) finds the disk full.
   std::optional<std::size_t> fail_at_write;
-  bool keeps_failing = false;
-  ErrorKind failure = ErrorKind::kDiskFull;
   // This write and all later ones never reach the disk and report nothing: the process is killed.
   std::optional<std::size_t> cut_off_at_write;
   bool read_only = false;
 
-  void FailAtWrite(std::size_t number, ErrorKind kind = ErrorKind::kDiskFull) {
+  void FailAtWrite(std::size_t number) {
     writes = 0;
     fail_at_write = number;
-    failure = kind;
   }
   void CutOffAtWrite(std::size_t number) {
     writes = 0;
@@ -82,9 +78,7 @@ class MemoryPageStore final : public PageStore {
     const std::size_t write = disk_->writes++;
     disk_->write_log.push_back(number);
     if (number > page_count_) throw Error(ErrorKind::kIo, "a page far behind the end", number);
-    const auto& failing = disk_->fail_at_write;
-    if (failing && (write == *failing || (write > *failing && disk_->keeps_failing)))
-      throw Error(disk_->failure, "made to fail", number);
+    if (write == disk_->fail_at_write) throw Error(ErrorKind::kDiskFull, "made to fail", number);
     page_count_ = std::max(page_count_, number + 1);
     if (disk_->cut_off_at_write && write >= *disk_->cut_off_at_write) return;
     if (disk_->pages.size() < page_count_) disk_->Resize(page_count_);

@@ -109,13 +109,5 @@ TEST(PageStoreTest, AWriteProtectedFileOpensForReading) {
   EXPECT_EQ(page[0], std::byte{'x'});
 }
 
-TEST(PageStoreTest, AStaleLockFileMeansNothing) {
-  const TemporaryFolder folder;
-  const auto path = folder.Write("a.mdb", Pages(3));
-  folder.Write("a.ldb", std::string(64, 'n'));
-  EXPECT_NE(OpenPageStore(path, OpenMode::kReadWrite), nullptr);
-  EXPECT_TRUE(std::filesystem::exists(folder / "a.ldb"));
-}
-
 }  // namespace
 }  // namespace jet::test

@@ -61,25 +61,6 @@ TEST_P(PagerTest, ReadersSeeChangesAtOnceAndKeepWhatTheyRead) {
   EXPECT_EQ(Get(3), 44);
 }
 
-TEST_P(PagerTest, ADroppedTransactionLeavesNothing) {
-  {
-    PageTransaction transaction(*pager);
-    Set(3, 33);
-    pager->EditNew(kPages).SetU8(0, 99);
-    pager->EditNew(5).SetU8(0, 55);
-    pager->Defer(CleanUp::kFreePages, [] { FAIL() << "cleaned up after nothing"; });
-  }
-  EXPECT_EQ(Get(3), 3);
-  EXPECT_EQ(Get(5), 5);
-  EXPECT_EQ(pager->page_count(), kPages);
-  EXPECT_EQ(disk->writes, 0U);
-  EXPECT_EQ(pager->rollback_count(), 1U);
-  PageTransaction transaction(*pager);
-  Set(4, 44);
-  transaction.Commit();
-  EXPECT_THAT(disk->write_log, ElementsAre(4));
-}
-
 TEST_P(PagerTest, NestedTransactionsCommitWithTheOutermost) {
   {
     PageTransaction outer(*pager);
@@ -137,86 +118,6 @@ TEST_P(PagerTest, APageIsWrittenAfterThoseItWaitsFor) {
   // The first page behind the end has to be there before the second can be written.
   EXPECT_THAT(disk->write_log, ElementsAre(kPages, kPages + 1, kPages, 3, 2, 1));
   EXPECT_FALSE(pager->WaitsForOthers(1));
-}
-
-// Whatever write fails, and whether or not the disk recovers for the old bytes to be put back.
-TEST_P(PagerTest, AFailedWritePutsEverythingBack) {
-  const auto disk_before = disk->Snapshot();
-  const auto change = [this] {
-    PageTransaction transaction(*pager);
-    pager->Defer(CleanUp::kFreePages, [this] { Set(1, 101); });
-    Set(1, 11);
-    Set(2, 22);
-    pager->EditNew(4).SetU8(0, 44);
-    pager->EditNew(kPages).SetU8(0, 99);
-    transaction.Commit();
-  };
-  for (std::size_t failing = 0; failing < 5; ++failing) {
-    SCOPED_TRACE(failing);
-    disk->FailAtWrite(failing, failing % 2 == 0 ? ErrorKind::kDiskFull : ErrorKind::kIo);
-    try {
-      change();
-      FAIL() << "nothing failed";
-    } catch (const Error& error) {
-      EXPECT_EQ(error.kind(), disk->failure);
-    }
-    EXPECT_TRUE(disk->Snapshot() == disk_before);
-    EXPECT_EQ(Get(1), 1);
-    EXPECT_EQ(Get(4), 4);
-    EXPECT_EQ(pager->page_count(), kPages);
-  }
-  disk->Heal();
-  change();
-  EXPECT_EQ(disk->writes, 5U);
-  EXPECT_EQ(Get(1), 101);
-}
-
-TEST_P(PagerTest, WhenOldBytesCannotBePutBackMemoryTellsWhatTheDiskHas) {
-  {
-    PageTransaction transaction(*pager);
-    Set(1, 11);
-    Set(2, 22);
-    disk->FailAtWrite(1);
-    disk->keeps_failing = true;
-    EXPECT_THROW(transaction.Commit(), Error);
-  }
-  disk->Heal();
-  EXPECT_EQ(Get(1), 11);
-  EXPECT_EQ(Get(2), 2);
-}
-
-TEST_P(PagerTest, AFailedCleanUpWritesNothing) {
-  PageTransaction transaction(*pager);
-  Set(1, 11);
-  pager->Defer(CleanUp::kUnreferenced, [this] { Set(kPages, 0); });
-  EXPECT_THROW(transaction.Commit(), Error);
-  EXPECT_EQ(disk->writes, 0U);
-  EXPECT_EQ(Get(1), 1);
-}
-
-TEST_P(PagerTest, ASmallCacheChangesNothingThatIsSeen) {
-  Open(2);
-  const Page kept = pager->Read(0);
-  {
-    PageTransaction transaction(*pager);
-    for (PageNumber page = 0; page < kPages; ++page) Set(page, static_cast<int>(page) + 50);
-    for (PageNumber page = 0; page < kPages; ++page) EXPECT_EQ(Get(page), page + 50);
-    transaction.Commit();
-  }
-  for (int round = 0; round < 3; ++round) {
-    for (PageNumber page = 0; page < kPages; ++page) EXPECT_EQ(Get(page), page + 50);
-  }
-  EXPECT_EQ(kept.view().U8(0), 0);
-}
-
-TEST_P(PagerTest, GrowsOverPagesThatOthersMeantToUse) {
-  PageTransaction transaction(*pager);
-  pager->EditNew(kPages + 3).SetU8(0, 7);
-  EXPECT_THROW(pager->EditNew(kPages + 100000), Error);
-  transaction.Commit();
-  EXPECT_EQ(disk->pages.size(), kPages + 4);
-  EXPECT_EQ(Get(kPages + 3), 7);
-  EXPECT_EQ(Get(kPages + 1), 0);
 }
 
 TEST_P(PagerTest, RefusesWhatCannotBe) {

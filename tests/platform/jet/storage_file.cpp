@@ -4,8 +4,6 @@
 #include <map>
 #include <string_view>
 
-#include "platform/jet/database_header.h"
-
 namespace jet::test {
 namespace {
 
@@ -153,33 +151,26 @@ class Inspection {
 
 }  // namespace
 
-StorageFile::StorageFile(std::uint32_t page_key)
-    : disk_(std::make_shared<MemoryDisk>()), page_key_(page_key) {
+StorageFile::StorageFile() : disk_(std::make_shared<MemoryDisk>()) {
   disk_->Resize(kFirstFreePage);
   MakeMapPage(disk_->Page(1), 1, 2);
   MakeMapPage(disk_->Page(6), 0, 4);
   PageBytes& global = disk_->Page(1);
   for (std::size_t i = 0; i < 64; ++i)
     global[kPageSize - 64 + i] = i == 0 ? std::byte{0x80} : std::byte{0xff};
-  if (page_key != 0) {
-    for (PageNumber page = 1; page < kFirstFreePage; ++page)
-      ApplyPageKey(page_key, page, disk_->Page(page));
-  }
   Reopen();
 }
 
-void StorageFile::Reopen(std::size_t cache_pages) {
+void StorageFile::Reopen() {
+  constexpr std::size_t kCachePages = 16;
   allocator_.reset();
   pager_.reset();
-  pager_ =
-      std::make_unique<Pager>(std::make_unique<MemoryPageStore>(disk_), page_key_, cache_pages);
+  pager_ = std::make_unique<Pager>(std::make_unique<MemoryPageStore>(disk_), 0, kCachePages);
   allocator_ = std::make_unique<PageAllocator>(*pager_);
 }
 
 std::vector<std::string> StorageFile::Faults(bool leaks) const {
-  std::vector<PageBytes> pages = disk_->Snapshot();
-  for (PageNumber page = 1; page_key_ != 0 && page < pages.size(); ++page)
-    ApplyPageKey(page_key_, page, pages[page]);
+  const std::vector<PageBytes> pages = disk_->Snapshot();
   return Inspection(pages, leaks).faults;
 }
 

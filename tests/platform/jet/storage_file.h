@@ -25,10 +25,11 @@ class StorageFile {
   static constexpr RowPointer kValuesOwned{6, 2};
   static constexpr RowPointer kValuesWithRoom{6, 3};
 
-  explicit StorageFile(std::uint32_t page_key = 0);
+  StorageFile();
 
   // The file as another process finds it: what the disk has, nothing of what was in memory.
-  void Reopen(std::size_t cache_pages = Pager::kDefaultCachePages);
+  // Few of its pages stay in memory.
+  void Reopen();
 
   // Puts other pages onto the disk and reopens.
   void Load(const std::vector<PageBytes>& pages);
@@ -48,7 +49,6 @@ class StorageFile {
 
  private:
   std::shared_ptr<MemoryDisk> disk_;
-  std::uint32_t page_key_;
   std::unique_ptr<Pager> pager_;
   std::unique_ptr<PageAllocator> allocator_;
 };

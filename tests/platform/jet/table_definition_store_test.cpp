@@ -6,16 +6,13 @@
 
 #include <string>
 
-#include "platform/jet/table_definition_format.h"
+#include "platform/jet/database_impl.h"
 #include "tests/platform/jet/definitions.h"
-#include "tests/platform/jet/sample_files.h"
 #include "tests/platform/jet/storage_file.h"
+#include "tests/platform/jet/test_database.h"
 
 namespace jet::test {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 // A table with so many columns that its definition takes some pages, on page 4 of the file.
 TableDefinition WideTable(int columns) {
@@ -38,78 +35,55 @@ void Write(StorageFile& file, const TableDefinition& table) {
   transaction.Commit();
 }
 
+// A definition's bytes and the free bytes of its pages, straight from the pages.
+std::pair<Bytes, std::vector<int>> StoredDefinition(const Pager& pager, PageNumber first) {
+  Bytes bytes;
+  std::vector<int> free;
+  for (PageNumber number = first; number != 0;) {
+    const Page page = pager.Read(number);
+    const auto part = page.view().Slice(bytes.empty() ? 0 : 8, kPageSize - (bytes.empty() ? 0 : 8));
+    bytes.insert(bytes.end(), part.begin(), part.end());
+    free.push_back(page.view().U16(2));
+    number = page.view().U32(4);
+  }
+  bytes.resize(ByteView(bytes).U32(8));
+  return {bytes, free};
+}
+
 TEST(TableDefinitionStoreTest, ReadsAndRewritesTheDefinitionsOfRealFiles) {
-  const auto samples = jet::test::SampleFiles();
-  if (samples.empty()) GTEST_SKIP() << "ORVPAP_SHARED is not set";
-  for (const auto& sample : samples) {
-    for (const auto& [name, page] : sample.Tables()) {
-      SCOPED_TRACE(sample.name() + " page " + std::to_string(page));
-      // The file's own pages in memory, so that the rewritten chain can be compared with them.
-      StorageFile file;
-      std::vector<PageBytes> pages;
-      for (PageNumber number = 0; number < sample.page_count(); ++number) {
-        const auto bytes = sample.page(number).view().bytes();
-        std::ranges::copy(bytes, pages.emplace_back().begin());
-      }
-      file.Load(pages);
-      const TableDefinition table = ReadTableDefinition(file.pager(), page);
-      const std::vector<PageNumber> chain = TableDefinitionPages(file.pager(), page);
-      Write(file, table);
-      const std::vector<PageNumber> new_chain = TableDefinitionPages(file.pager(), page);
-      ASSERT_EQ(new_chain.size(), chain.size());
-      for (std::size_t i = 0; i < chain.size(); ++i) {
-        const ByteView page_before(pages[chain[i]]);
-        const ByteView page_after(file.disk().Page(new_chain[i]));
-        EXPECT_EQ(page_after.U16(2), page_before.U16(2)) << "free bytes";
-        EXPECT_EQ(page_after.U32(4) == 0, page_before.U32(4) == 0);
-      }
-      EXPECT_EQ(SerializeTableDefinition(ReadTableDefinition(file.pager(), page)),
-                SerializeTableDefinition(table));
+  const std::vector<SharedFile> files = SharedFiles();
+  if (files.empty()) GTEST_SKIP() << "ORVPAP_SHARED is not set";
+  for (const SharedFile& file : files) {
+    TestDatabase database(file.path, file.options);
+    Database::Impl& impl = database->impl();
+    for (const CatalogEntry& entry : impl.catalog->entries()) {
+      if (entry.type != ObjectType::kTable) continue;
+      const auto page = static_cast<PageNumber>(entry.id);
+      SCOPED_TRACE(file.path.filename().string() + " " + std::to_string(page));
+      const auto [bytes, free] = StoredDefinition(impl.pager, page);
+      const TableDefinition table = ReadTableDefinition(impl.pager, page);
+      EXPECT_EQ(SerializeTableDefinition(table), bytes);
+      PageTransaction transaction(impl.pager);
+      WriteTableDefinition(impl.pager, impl.allocator, table);
+      EXPECT_EQ(StoredDefinition(impl.pager, page).second, free);
     }
   }
 }
 
 // The lengths at which a definition, with its eight reserve bytes, takes one page more.
 TEST(TableDefinitionStoreTest, ReserveBytesDecideTheNumberOfPages) {
-  namespace format = table_definition_format;
-  std::size_t seen_on_the_edge = 0;
   for (int columns = 1; columns < 200; ++columns) {
     StorageFile file;
-    TableDefinition table = WideTable(columns);
-    const std::size_t length = SerializeTableDefinition(table).size();
+    const TableDefinition table = WideTable(columns);
     Write(file, table);
-    const std::size_t used = length + 8;
+    const auto [bytes, free] = StoredDefinition(file.pager(), 4);
+    const std::size_t used = SerializeTableDefinition(table).size() + 8;
     const std::size_t pages = used <= 4096 ? 1 : 1 + (used - 4096 + 4087) / 4088;
-    const auto chain = TableDefinitionPages(file.pager(), 4);
-    ASSERT_EQ(chain.size(), pages) << length;
-    const std::size_t capacity = 4096 + 4088 * (pages - 1);
-    for (std::size_t i = 0; i < pages; ++i) {
-      EXPECT_EQ(ByteView(file.disk().Page(chain[i])).U16(format::kFreeSpaceAt),
-                i + 1 == pages ? capacity - used : 0);
-    }
-    if (capacity - used > 4088 - 8 || capacity == used) ++seen_on_the_edge;
+    std::vector<int> expected(pages);
+    expected.back() = static_cast<int>(4096 + 4088 * (pages - 1) - used);
+    ASSERT_EQ(free, expected) << used;
     EXPECT_EQ(ReadTableDefinition(file.pager(), 4).columns.size(), table.columns.size());
   }
-  RecordProperty("definitions_on_the_edge", static_cast<int>(seen_on_the_edge));
-}
-
-TEST(TableDefinitionStoreTest, GrowsAndShrinksByNewPagesBehindTheSameFirstOne) {
-  StorageFile file;
-  const auto in_use = [&file] {
-    std::vector<PageNumber> pages;
-    for (PageNumber page = StorageFile::kFirstFreePage; page < file.pager().page_count(); ++page) {
-      if (!file.allocator().IsFree(page)) pages.push_back(page);
-    }
-    return pages;
-  };
-  Write(file, WideTable(120));
-  EXPECT_THAT(TableDefinitionPages(file.pager(), 4), ElementsAre(4, 7, 8));
-  Write(file, WideTable(121));
-  EXPECT_THAT(TableDefinitionPages(file.pager(), 4), ElementsAre(4, 9, 10));
-  EXPECT_THAT(in_use(), ElementsAre(9, 10));
-  Write(file, WideTable(2));
-  EXPECT_THAT(TableDefinitionPages(file.pager(), 4), ElementsAre(4));
-  EXPECT_THAT(in_use(), IsEmpty());
 }
 
 TEST(TableDefinitionStoreTest, AKilledRewriteLeavesTheOldDefinitionOrTheNew) {
@@ -128,71 +102,6 @@ TEST(TableDefinitionStoreTest, AKilledRewriteLeavesTheOldDefinitionOrTheNew) {
     EXPECT_THAT(ReadTableDefinition(file.pager(), 4).columns.size(), ::testing::AnyOf(120, 150));
   }
   EXPECT_GT(writes, 4U);
-}
-
-TEST(TableDefinitionStoreTest, PatchesCountersInPlace) {
-  StorageFile file;
-  TableDefinition table = WideTable(3);
-  PhysicalIndex index;
-  index.columns = {{1, true}};
-  index.pages_map = StorageFile::kOwned;
-  index.root = 9;
-  index.flags = 0x80;
-  table.physical_indexes = {index, index};
-  Write(file, table);
-  file.disk().Heal();
-  {
-    PageTransaction transaction(file.pager());
-    PatchRowCount(file.pager(), 4, 12);
-    PatchLastAutonumber(file.pager(), 4, -13);
-    PatchDistinctCount(file.pager(), 4, 1, 14);
-    PatchDistinctCount(file.pager(), 4, 0, 0);
-    transaction.Commit();
-  }
-  EXPECT_EQ(file.disk().writes, 1U);
-  const TableDefinition read = ReadTableDefinition(file.pager(), 4);
-  EXPECT_EQ(read.row_count, 12U);
-  EXPECT_EQ(read.last_autonumber, -13);
-  EXPECT_EQ(read.physical_indexes[0].distinct_count, 0U);
-  EXPECT_EQ(read.physical_indexes[1].distinct_count, 14U);
-}
-
-TEST(TableDefinitionStoreTest, DropMarksTheFirstPageAndFreesAll) {
-  StorageFile file;
-  TableDefinition table = WideTable(120);
-  {
-    PageTransaction transaction(file.pager());
-    table.page = file.allocator().Take();
-    WriteTableDefinition(file.pager(), file.allocator(), table);
-    transaction.Commit();
-  }
-  PageTransaction transaction(file.pager());
-  DropTableDefinition(file.pager(), file.allocator(), table.page);
-  transaction.Commit();
-  EXPECT_EQ(file.disk().Page(table.page)[0], std::byte{8});
-  for (PageNumber page = 7; page < file.pager().page_count(); ++page)
-    EXPECT_TRUE(file.allocator().IsFree(page)) << page;
-}
-
-TEST(TableDefinitionStoreTest, DamagedChainsAreErrors) {
-  struct Damage {
-    const char* what;
-    PageNumber page;
-    std::size_t at;
-    std::uint32_t value;
-  };
-  for (const Damage& damage :
-       {Damage{"runs in a circle", 8, 4, 4}, Damage{"leaves the file", 7, 4, 5000},
-        Damage{"ends early", 7, 4, 0}, Damage{"another type of page", 8, 0, 0x101},
-        Damage{"longer than its pages", 4, 8, 20000}, Damage{"shorter than its pages", 4, 8, 3000},
-        Damage{"hardly any length", 4, 8, 1}, Damage{"no definition at all", 4, 0, 0}}) {
-    SCOPED_TRACE(damage.what);
-    StorageFile file;
-    Write(file, WideTable(120));
-    ByteEditor(file.disk().Page(damage.page)).SetU32(damage.at, damage.value);
-    file.Reopen();
-    EXPECT_THROW(ReadTableDefinition(file.pager(), 4), Error);
-  }
 }
 
 }  // namespace

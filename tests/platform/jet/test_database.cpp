@@ -8,6 +8,7 @@
 
 #include "platform/jet/catalog.h"
 #include "platform/jet/check.h"
+#include "platform/jet/compaction.h"
 #include "platform/jet/database_creator.h"
 #include "platform/jet/database_impl.h"
 #include "platform/jet/table_definition_store.h"
@@ -49,6 +50,15 @@ std::vector<std::string> TestDatabase::Problems() const {
   CheckReport report = CheckPages(std::make_unique<MemoryPageStore>(disk_), options_);
   std::ranges::move(report.notes, std::back_inserter(report.problems));
   return report.problems;
+}
+
+std::vector<PageBytes> TestDatabase::Compacted(std::optional<std::size_t> failing_write) const {
+  const auto copy = std::make_shared<MemoryDisk>();
+  copy->fail_at_write = failing_write;
+  MemoryPageStore target(copy);
+  MemoryPageStore source(disk_);
+  CompactPages(source, target, {.password = options_.password});
+  return copy->Snapshot();
 }
 
 void TestDatabase::Save(const std::filesystem::path& path) const {
@@ -94,6 +104,12 @@ void TestDatabase::SetProperties(std::u16string_view table, const PropertyBlob& 
   objects.impl().Update(id, row);
   Reopen();
 }
+
+IndexSpec PrimaryKey(std::u16string column) {
+  return {.name = u"PrimaryKey", .columns = {{std::move(column)}}, .primary = true};
+}
+
+RowId Add(Table& table, Row row) { return table.Insert(row); }
 
 std::vector<StoredRowValues> RowsOf(const Table& table) {
   std::vector<StoredRowValues> rows;

@@ -34,6 +34,8 @@ class TestDatabase {
   void Restore(const std::vector<PageBytes>& pages);
   // What the engine's own check finds on the disk, notes included.
   std::vector<std::string> Problems() const;
+  // The pages of the database as compaction copies it, onto a disk that fails at a write if wanted.
+  std::vector<PageBytes> Compacted(std::optional<std::size_t> failing_write = {}) const;
   // Puts the disk's pages into a file.
   void Save(const std::filesystem::path& path) const;
   // Leaves the database for the independent readers where the variable ORVPAP_CHANGED_FILES says.
@@ -52,6 +54,9 @@ class TestDatabase {
   std::unique_ptr<Database> database_;
 };
 
+// The usual primary key.
+IndexSpec PrimaryKey(std::u16string column);
+RowId Add(Table& table, Row row);
 // All rows in the order of a scan.
 std::vector<StoredRowValues> RowsOf(const Table& table);
 

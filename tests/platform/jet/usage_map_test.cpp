@@ -7,6 +7,7 @@
 #include <set>
 
 #include "platform/jet/data_page.h"
+#include "tests/platform/jet/definitions.h"
 #include "tests/platform/jet/storage_file.h"
 #include "tests/platform/jet/test_random.h"
 
@@ -19,17 +20,6 @@ using testing::IsEmpty;
 std::span<const std::byte> RowOf(Pager& pager, RowPointer at) {
   const ByteView page = pager.View(at.page);
   return data_page::RowBytes(page, data_page::SlotAt(page, at.row));
-}
-
-template <typename Action>
-ErrorKind KindOf(Action action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.kind();
-  }
-  ADD_FAILURE() << "nothing was thrown";
-  return ErrorKind::kIo;
 }
 
 // Both kinds of map against a plain set, over pages near and far, in every form they pass through.
@@ -90,49 +80,6 @@ TEST(UsageMapTest, OwnedWindowsLengthenByFourBytesWhileTheirPageHasRoom) {
   EXPECT_THAT(file.Map(StorageFile::kWithRoom).Pages(), IsEmpty());
 }
 
-TEST(UsageMapTest, HintWindowsSlideUnlessABitWouldFallOut) {
-  StorageFile file;
-  UsageMap map = file.Map(StorageFile::kWithRoom, MapKind::kHint);
-  PageTransaction transaction(file.pager());
-  map.Add(10);
-  map.Remove(10);
-  map.Add(1030);
-  EXPECT_EQ(ByteView(RowOf(file.pager(), map.at())).U32(1), 1024U);
-  map.Add(1535);
-  EXPECT_EQ(RowOf(file.pager(), map.at())[0], std::byte{0});
-  map.Add(1536);
-  EXPECT_EQ(RowOf(file.pager(), map.at())[0], std::byte{1});
-  EXPECT_THAT(map.Pages(), ElementsAre(1030, 1535, 1536));
-}
-
-TEST(UsageMapTest, RefusesMapsThatAreNone) {
-  struct Case {
-    const char* what;
-    std::size_t at;  // in the last map's row
-    std::uint32_t value;
-  };
-  // A map's row holds form, first page and bits, or form and map pages.
-  for (const Case& odd :
-       {Case{"unknown form", 0, 2}, Case{"far behind the largest file", 1, 0x80000000},
-        Case{"map page behind the end", 0, 0x1 + (5000U << 8)},
-        Case{"map page of another type", 0, 0x1 + (6U << 8)}}) {
-    SCOPED_TRACE(odd.what);
-    StorageFile file;
-    PageBytes& page = file.disk().Page(6);
-    const std::size_t row = kPageSize - 4 * 69;
-    ByteEditor(page).SetU32(row + odd.at, odd.value);
-    UsageMap map = file.Map(StorageFile::kValuesWithRoom);
-    EXPECT_EQ(KindOf([&] { map.Pages(); }), ErrorKind::kDamaged);
-    EXPECT_EQ(KindOf([&] { map.Last(); }), ErrorKind::kDamaged);
-    PageTransaction transaction(file.pager());
-    EXPECT_EQ(KindOf([&] { map.Add(5); }), ErrorKind::kDamaged);
-  }
-  StorageFile file;
-  EXPECT_EQ(KindOf([&] { file.Map({6, 4}).First(); }), ErrorKind::kDamaged);
-  EXPECT_EQ(KindOf([&] { file.Map({5, 0}).First(); }), ErrorKind::kDamaged);
-  EXPECT_EQ(KindOf([&] { file.Map({500, 0}).First(); }), ErrorKind::kDamaged);
-}
-
 TEST(PageAllocatorTest, TakesTheLowestFreePageAndReusesReleasedOnesLater) {
   StorageFile file;
   PageTransaction first(file.pager());
@@ -163,23 +110,21 @@ TEST(PageAllocatorTest, TakesTheLowestFreePageAndReusesReleasedOnesLater) {
   EXPECT_EQ(file.allocator().Take(), 8U) << "the dropped transaction's pages are free again";
 }
 
-TEST(PageAllocatorTest, RefusesToFreeTwiceOrWhatIsNeverFree) {
-  StorageFile file;
-  PageTransaction transaction(file.pager());
-  const PageNumber page = file.allocator().Take();
-  for (const PageNumber never : {PageNumber{0}, PageNumber{1}, PageNumber{5}, page + 1, kNoPage})
-    EXPECT_EQ(KindOf([&] { file.allocator().Release(never); }), ErrorKind::kDamaged) << never;
-  file.allocator().Release(page);
-  file.allocator().Release(page);
-  EXPECT_EQ(KindOf([&] { transaction.Commit(); }), ErrorKind::kDamaged);
-}
-
-TEST(PageAllocatorTest, NeverTakesReleasedOrReservedPages) {
+TEST(PageAllocatorTest, RefusesWhatIsNeverFree) {
   StorageFile file;
   {
     PageTransaction transaction(file.pager());
+    const PageNumber page = file.allocator().Take();
+    for (const PageNumber never : {PageNumber{0}, PageNumber{1}, PageNumber{5}, page + 1, kNoPage})
+      EXPECT_EQ(KindOf([&] { file.allocator().Release(never); }), ErrorKind::kDamaged) << never;
+    file.allocator().Release(page);
+    file.allocator().Release(page);
+    EXPECT_EQ(KindOf([&] { transaction.Commit(); }), ErrorKind::kDamaged) << "freed twice";
+  }
+  {
+    PageTransaction transaction(file.pager());
     file.Map({1, 1}).Add(7);
-    EXPECT_EQ(file.allocator().Take(), 8U);
+    EXPECT_EQ(file.allocator().Take(), 8U) << "7 is released and not yet free";
   }
   // A map full of rubbish that offers the catalog's own definition.
   file.disk().Page(1)[kPageSize - 64] = std::byte{0xff};
@@ -259,32 +204,6 @@ TEST(PageAllocatorTest, EntersTheNextRangeAndEndsAtTheLargestFile) {
   file.Reopen();
   PageTransaction transaction(file.pager());
   EXPECT_EQ(KindOf([&] { file.allocator().Take(); }), ErrorKind::kDiskFull);
-}
-
-TEST(PageAllocatorTest, MapsShareAPageAndGiveBackWhatTheyHeld) {
-  StorageFile file;
-  std::vector<RowPointer> maps;
-  {
-    PageTransaction transaction(file.pager());
-    for (int i = 0; i < 60; ++i) maps.push_back(file.allocator().NewMap());
-    UsageMap far = file.Map(maps[0], MapKind::kHint);
-    far.Add(10);
-    far.Add(40000);
-    transaction.Commit();
-  }
-  EXPECT_EQ(maps[56], (RowPointer{7, 56}));
-  EXPECT_EQ(maps[57].page, 8U) << "57 rows of 69 bytes fill a page";
-  const PageNumber in_use = file.pager().page_count();
-  {
-    PageTransaction transaction(file.pager());
-    for (int i = 0; i < 57; ++i) file.allocator().DropMap(maps[i]);
-    EXPECT_FALSE(file.allocator().IsFree(7));
-    transaction.Commit();
-  }
-  EXPECT_TRUE(file.allocator().IsFree(7));
-  EXPECT_FALSE(file.allocator().IsFree(8));
-  for (PageNumber page = 9; page < in_use; ++page) EXPECT_TRUE(file.allocator().IsFree(page));
-  EXPECT_EQ(RowOf(file.pager(), maps[57]).size(), 69U);
 }
 
 // Killed between any two writes of a conversion, the map of free pages can still be used.
