@@ -7,7 +7,7 @@
 #include "app/modGeneralFunctions.h"
 #include "app/modShared.h"
 #include "embedded/kProgramIcon.h"
-#include "platform/files/program_folder.h"
+#include "platform/files/paths.h"
 #include "platform/wx/window_system.h"
 #include "wizard/frmOrvPap.h"
 
@@ -30,8 +30,8 @@ int Main(const std::wstring& vServer) {
        .icon = kProgramIcon,
        .end_work = [] { throw ProcessEnding(); },
        .report_error = [] { ShowErrorMessage(L"modMain.Main (Function)"); }});
-  language::FileLanguageProvider language{files::ProgramFolder()};
-  SharedSettings shared;
+  SharedSettings shared = Shared();
+  language::FileLanguageProvider language{files::ToPath(ProgramFolder())};
   shared.objPrompt = &windows.Prompt();
   shared.objFileDialog = &windows.FileDialog();
   shared.objClipboard = &windows.Clipboard();

@@ -10,8 +10,10 @@
 inline constexpr wchar_t kSettingsKey[] = L"Software\\Velkor Software\\Orvane\\3.2\\Settings\\";
 
 // The program from its start to its end: prepares the shared record, shows the wizard and waits
-// until it is closed. `vServer` is the address of the download server. Returns the exit status: 0;
-// 1 when the wizard could not be shown, after a message. Only in programs with windows.
+// until it is closed. `vServer` is the address of the download server. A record that is installed
+// already stays, but for the services that windows bring: a test runs in a folder of its own.
+// Returns the exit status: 0; 1 when the wizard could not be shown, after a message. Only in
+// programs with windows.
 int Main(const std::wstring& vServer);
 
 // Fills the shared record (app/modShared) before the wizard's window is made: application title,

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, from Debian's packages: install-dependencies.sh GROUP...
 #
-# Groups: build, test, lint, windows, bench, fuzz. docs/building.md says what each package is for.
+# Groups: build, test, lint, windows, bench, pictures, fuzz. docs/building.md says what each package is for.
 # Asks nothing, and is quick and needs neither network nor rights where nothing is missing.
 set -euo pipefail
 
@@ -46,6 +46,11 @@ requirements() {
       echo "/usr/include/benchmark/benchmark.h libbenchmark-dev"
       echo "/usr/include/sqlite3.h libsqlite3-dev"
       echo "curl curl"
+      ;;
+    pictures)
+      echo "Xvfb xvfb"
+      echo "xdotool xdotool"
+      echo "import imagemagick"
       ;;
     fuzz)
       echo "clang++-14 clang-14"

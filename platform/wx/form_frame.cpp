@@ -24,11 +24,11 @@ constexpr std::chrono::seconds kAppearing{1};
 bool FocusFirst(const wxWindow& parent) {
   for (wxWindow* const child : parent.GetChildren()) {
     if (!child->IsShown() || !child->IsThisEnabled()) continue;
-    if (wxDynamicCast(child, wxPanel) != nullptr) {
+    if (dynamic_cast<wxPanel*>(child) != nullptr) {
       if (FocusFirst(*child)) return true;
       continue;
     }
-    const auto* const radio = wxDynamicCast(child, wxRadioButton);
+    const auto* const radio = dynamic_cast<wxRadioButton*>(child);
     if (!child->AcceptsFocus() || (radio != nullptr && !radio->GetValue())) continue;
     child->SetFocus();
     return true;
@@ -176,7 +176,7 @@ void FormFrame::ReportSize() {
   const int width = GetClientSize().x;
   header_->SetSize(width, header_->GetSize().y);
   for (wxWindow* const child : header_->GetChildren()) {
-    if (wxDynamicCast(child, wxStaticLine) != nullptr) child->SetSize(width, child->GetSize().y);
+    if (dynamic_cast<wxStaticLine*>(child) != nullptr) child->SetSize(width, child->GetSize().y);
   }
 }
 
@@ -244,8 +244,8 @@ void FormFrame::OnKey(wxKeyEvent& event) {
 // Whether what has the focus makes something of Enter itself.
 bool FormFrame::EnterIsTaken() const {
   wxWindow* const focus = FindFocus();
-  if (wxDynamicCast(focus, wxButton) != nullptr) return true;
-  const auto* const text = wxDynamicCast(focus, wxTextCtrl);
+  if (dynamic_cast<wxButton*>(focus) != nullptr) return true;
+  const auto* const text = dynamic_cast<wxTextCtrl*>(focus);
   return text != nullptr && text->IsMultiLine() && text->IsEditable();
 }
 

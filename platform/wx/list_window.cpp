@@ -147,6 +147,11 @@ void ListWindow::ShowNow() {
     native_.Refresh();
   }
   cleared_ = false;
+  // Keys move on from the current item. Without one, the arrow keys would leave the list.
+  constexpr long kCurrent = wxLIST_STATE_FOCUSED;
+  if (count > 0 && native_.GetNextItem(-1, wxLIST_NEXT_ALL, kCurrent) < 0) {
+    native_.SetItemState(0, kCurrent, kCurrent);
+  }
   for (const std::size_t index : changed_) ShowSelection(index);
   if (!changed_.empty() && count > 0) {
     const long top = native_.GetTopItem();

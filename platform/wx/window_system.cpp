@@ -4,6 +4,7 @@
 #include <wx/app.h>
 #include <wx/log.h>
 #include <wx/mstream.h>
+#include <wx/utils.h>
 
 #include <cstdio>
 #include <utility>
@@ -18,8 +19,8 @@ namespace wx_windows {
 namespace {
 
 bool IsInput(const wxEvent& event) {
-  if (wxDynamicCast(&event, wxKeyEvent) != nullptr) return true;
-  const auto* const mouse = wxDynamicCast(&event, wxMouseEvent);
+  if (dynamic_cast<const wxKeyEvent*>(&event) != nullptr) return true;
+  const auto* const mouse = dynamic_cast<const wxMouseEvent*>(&event);
   return mouse != nullptr && mouse->IsButton();
 }
 
@@ -33,7 +34,7 @@ class Application final : public wxApp {
 
   int FilterEvent(wxEvent& event) override {
     if (!gate_.Working() || !IsInput(event)) return Event_Skip;
-    auto* const window = wxDynamicCast(event.GetEventObject(), wxWindow);
+    auto* const window = dynamic_cast<wxWindow*>(event.GetEventObject());
     // Not a dialog, which may well be the first window of all.
     const bool on_form =
         window != nullptr && dynamic_cast<FormFrame*>(wxGetTopLevelParent(window)) != nullptr;
@@ -56,6 +57,8 @@ class Toolkit {
  public:
   Toolkit(std::string name, const WorkGate& gate) : name_(std::move(name)) {
     wxSetAssertHandler(TellAssertion);
+    // Scroll bars that show only under the mouse would hide that a list has more columns.
+    wxSetEnv("GTK_OVERLAY_SCROLLING", "0");
     wxApp::SetInstance(new Application(gate));
     const wxLogNull quiet;
     int count = 1;

@@ -1,0 +1,124 @@
+// Closing the wizard in the middle of its work: the program ends there, and leaves a product table
+// that is sound and free, and no file that it had made for the while.
+#include <atomic>
+
+#include "platform/files/paths.h"
+#include "tests/walks/window_walk.h"
+
+namespace walks {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::HasSubstr;
+
+class ClosingTest : public WindowWalk {
+ protected:
+  // The only update that is offered.
+  void OfferOnly(const std::string& name, const std::string& update) const {
+    fs::remove_all(updates);
+    folder.Write(updates / name, update);
+  }
+  static void CloseWhen(const std::string& what, const std::function<bool()>& there) {
+    Await(what, [&] {
+      if (!there()) return false;
+      ClickCloseBox();
+      return true;
+    });
+  }
+  void ExpectCleanEnd() const {
+    EXPECT_THAT(Files(), testing::ElementsAre("Orv.pt", "paplog.txt", "program", "registry.reg",
+                                              "welkom.txt"));
+    EXPECT_EQ(Setting(L"PTLocation"), "(none)") << "the choices are not stored";
+    ExpectSound();
+  }
+};
+
+// An update of the tubes that the product table has.
+std::string UpdateOf(const std::string& lines) {
+  return "[VERSION]\r\n3.2\r\n[ASSORTMENTCODE]\r\nBUIS\r\n[ASSORTMENTDESCRIPTION]\r\nBuizen\r\n"
+         "[SUPPLIERCODE]\r\nBRUGMEER\r\n[SUPPLIERDESCRIPTION]\r\nBrugmeer\r\n"
+         "[DATE]\r\n20260105\r\n" +
+         lines;
+}
+
+TEST_F(ClosingTest, InALineThatNeverEnds) {
+  OfferOnly("1.PRC", UpdateOf("[NEW SUPPLIER]\r\n\"A field that is never closed\r\n"));
+  Walk([&] {
+    GoToSelect();
+    Begin(kNext);
+    CloseWhen("the import", [] { return Title() == kImport && !Rows().empty(); });
+  });
+  ExpectCleanEnd();
+}
+
+TEST_F(ClosingTest, InAnImport) {
+  std::string lines = "[NEW SUPPLIER]\r\n";
+  for (int number = 0; number < 20'000; ++number) {
+    lines += "S" + std::to_string(number) + ",Supplier,0,0\r\n";
+  }
+  OfferOnly("1.PRC", UpdateOf(lines));
+  Walk([&] {
+    GoToSelect();
+    Begin(kNext);
+    CloseWhen("an import under way",
+              [] { return Title() == kImport && Progress() > 0.2 && Progress() < 0.9; });
+  });
+  ExpectCleanEnd();
+}
+
+// The window gets its turn there only when the last one is long enough ago.
+TEST_F(ClosingTest, BetweenCompactionAndCopy) {
+  Walk([&] {
+    GoToSelect();
+    CheckOnly({0});
+    Begin(kNext);
+    bool closed = false;
+    while (!closed) {
+      bool finished = false;
+      Await("the compaction or its end", [&] {
+        finished = AtRest() && Title() == kImport;
+        closed = !finished && fs::exists(compacted);
+        if (closed) ClickCloseBox();
+        return closed || finished;
+      });
+      if (!finished) continue;
+      Press(kPrevious);
+      CheckOnly({0});
+      Begin(kNext);
+    }
+  });
+  ExpectCleanEnd();
+}
+
+TEST_F(ClosingTest, IsRefusedWhileFilesAreFetched) {
+  std::atomic<bool> go_on = false;
+  const auto at_once = answer;
+  answer = [&](auto& peer, const std::string& head) {
+    while (!go_on && peer.Pause(std::chrono::milliseconds(5))) {
+    }
+    at_once(peer, head);
+  };
+  Walk([&] {
+    GoTo(kDownload);
+    for (const bool list : {true, false}) {
+      go_on = false;
+      Begin(kNext);
+      Await("the transfer", [] { return Buttons() == "(<< Previous) (Next >>) (Close)"; });
+      OnWindows(ClickCloseBox);
+      ExpectStep(kDownload, "(<< Previous) (Next >>) (Close)");
+      go_on = true;
+      AwaitRest();
+      ExpectStep(kDownload, "<< Previous Next >> Close");
+      if (list) {
+        EXPECT_FALSE(RowsNow().empty());
+      }
+    }
+    EXPECT_TRUE(fs::exists(updates / "20260302_VELDHAVEN_PROFIEL.PRC"));
+    OnWindows(ClickCloseBox);
+  });
+  EXPECT_EQ(Setting(L"PTLocation"), "(none)");
+}
+
+}  // namespace
+}  // namespace walks

@@ -1,0 +1,266 @@
+// What stands on the screen, as the toolkit's own windows have it, and what a user does there.
+#include "tests/walks/wx/screen.h"
+
+#include <wx/app.h>
+#include <wx/button.h>
+#include <wx/checkbox.h>
+#include <wx/dialog.h>
+#include <wx/evtloop.h>
+#include <wx/frame.h>
+#include <wx/gauge.h>
+#include <wx/listctrl.h>
+#include <wx/radiobut.h>
+#include <wx/settings.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <stdexcept>
+
+#include "tests/walks/wx/robot.h"
+
+namespace walks {
+namespace {
+
+std::string Utf8(const wxString& text) { return text.utf8_string(); }
+
+void Visit(wxWindow& window, const std::function<void(wxWindow&)>& visitor) {
+  if (!window.IsShown()) return;
+  visitor(window);
+  for (wxWindow* const child : window.GetChildren()) {
+    if (!child->IsTopLevel()) Visit(*child, visitor);
+  }
+}
+
+wxDialog* FrontDialog() {
+  wxDialog* front = nullptr;
+  for (wxWindow* const window : wxTopLevelWindows) {
+    auto* const dialog = dynamic_cast<wxDialog*>(window);
+    if (dialog != nullptr && dialog->IsShown() && dialog->IsModal()) front = dialog;
+  }
+  return front;
+}
+
+wxWindow* FrontWindow() {
+  wxDialog* const dialog = FrontDialog();
+  return dialog != nullptr ? dialog : wxTheApp->GetTopWindow();
+}
+
+// The shown windows of this kind in a window, in the order of the keyboard.
+template <class Kind>
+std::vector<Kind*> All(wxWindow* in) {
+  std::vector<Kind*> all;
+  if (in == nullptr) return all;
+  Visit(*in, [&all](wxWindow& window) {
+    if (auto* const one = dynamic_cast<Kind*>(&window)) all.push_back(one);
+  });
+  return all;
+}
+
+template <class Kind>
+Kind* Find(const std::string& caption) {
+  for (Kind* const one : All<Kind>(FrontWindow())) {
+    if (Utf8(one->GetLabelText()) == caption) return one;
+  }
+  return nullptr;
+}
+
+// The last one, which is the one that its page is about; throws where there is none.
+template <class Kind>
+Kind& Last() {
+  const std::vector<Kind*> all = All<Kind>(wxTheApp->GetTopWindow());
+  if (all.empty()) throw std::logic_error("nothing of that kind is on the screen");
+  return *all.back();
+}
+
+std::string Label(std::size_t number) {
+  const std::vector<wxStaticText*> all = All<wxStaticText>(wxTheApp->GetTopWindow());
+  return number < all.size() ? Utf8(all[number]->GetLabelText()) : "";
+}
+
+std::vector<std::string> RowsOf(wxListCtrl& list) {
+  const wxColour grey = wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT);
+  std::vector<std::string> rows;
+  for (int row = 0; row < list.GetItemCount(); ++row) {
+    std::string line;
+    if (list.HasCheckBoxes()) line += list.IsItemChecked(row) ? "x " : "  ";
+    const wxColour colour = list.GetItemTextColour(row);
+    if (colour == *wxRED) line += "!";
+    if (colour == grey) line += "-";
+    for (int column = 0; column < list.GetColumnCount(); ++column) {
+      line += (column == 0 ? "" : "|") + Utf8(list.GetItemText(row, column));
+    }
+    rows.push_back(line);
+  }
+  return rows;
+}
+
+std::string Describe(wxWindow& window) {
+  std::string state = window.IsEnabled() ? "" : " (disabled)";
+  const wxWindow* const focus = wxWindow::FindFocus();
+  if (focus != nullptr && (focus == &window || focus->GetParent() == &window)) state += " (focus)";
+  const std::string label =
+      " \"" + Utf8(wxControl::RemoveMnemonics(window.GetLabel())) + "\"" + state;
+  if (auto* const list = dynamic_cast<wxListCtrl*>(&window)) {
+    std::string text = "list" + state;
+    long item = 0;
+    for (const std::string& row : RowsOf(*list)) {
+      const bool selected = list->GetItemState(item++, wxLIST_STATE_SELECTED) != 0;
+      text += (selected ? "\n> " : "\n  ") + row;
+    }
+    return text;
+  }
+  if (auto* const box = dynamic_cast<wxCheckBox*>(&window)) {
+    return (box->GetValue() ? "[x]" : "[ ]") + label;
+  }
+  if (auto* const option = dynamic_cast<wxRadioButton*>(&window)) {
+    return (option->GetValue() ? "(o)" : "( )") + label;
+  }
+  if (auto* const text = dynamic_cast<wxTextCtrl*>(&window)) {
+    return "text \"" + Utf8(text->GetValue()) + "\"" + state;
+  }
+  if (auto* const bar = dynamic_cast<wxGauge*>(&window)) {
+    return "bar " + std::to_string(bar->GetValue()) + " of " + std::to_string(bar->GetRange());
+  }
+  if (dynamic_cast<wxButton*>(&window) != nullptr) return "button" + label;
+  if (dynamic_cast<wxStaticText*>(&window) != nullptr) return "label" + label;
+  if (auto* const top = dynamic_cast<wxTopLevelWindow*>(&window)) {
+    return "window \"" + Utf8(top->GetTitle()) + "\"";
+  }
+  return "";
+}
+
+// Waits for an enabled control with this caption, and has `event` handled by it as if it were the
+// user's, once the windows' thread handles events.
+template <class Kind>
+void Send(const std::string& caption, const std::function<void(Kind&)>& act) {
+  Await("'" + caption + "', enabled", [&] {
+    auto* const control = Find<Kind>(caption);
+    if (control == nullptr || !control->IsEnabled()) return false;
+    act(*control);
+    return true;
+  });
+}
+
+void Post(wxControl& control, wxEventType type) {
+  auto* const event = new wxCommandEvent(type, control.GetId());
+  event->SetEventObject(&control);
+  control.GetEventHandler()->QueueEvent(event);
+}
+
+}  // namespace
+
+std::string Title() { return Label(0); }
+std::string Status() { return Label(1); }
+
+std::string Buttons() {
+  std::string buttons;
+  for (const wxButton* const button : All<wxButton>(FrontWindow())) {
+    const std::string caption = Utf8(button->GetLabelText());
+    if (!buttons.empty()) buttons += " ";
+    buttons += button->IsEnabled() ? caption : "(" + caption + ")";
+  }
+  return buttons;
+}
+
+std::vector<std::string> Rows() { return RowsOf(Last<wxListCtrl>()); }
+
+std::string EmptyText() {
+  const std::vector<wxStaticText*> texts = All<wxStaticText>(&Last<wxListCtrl>());
+  return texts.empty() ? "" : Utf8(texts.back()->GetLabelText());
+}
+
+std::string Text() { return Utf8(Last<wxTextCtrl>().GetValue()); }
+
+double Progress() {
+  const wxGauge& bar = Last<wxGauge>();
+  return static_cast<double>(bar.GetValue()) / bar.GetRange();
+}
+
+bool IsOn(const std::string& caption) {
+  if (const auto* const box = Find<wxCheckBox>(caption)) return box->GetValue();
+  if (const auto* const option = Find<wxRadioButton>(caption)) return option->GetValue();
+  throw std::logic_error("not on the screen: " + caption);
+}
+
+std::string Message() {
+  wxDialog* const dialog = FrontDialog();
+  std::string text;
+  for (const wxStaticText* const label : All<wxStaticText>(dialog)) {
+    text += Utf8(label->GetLabelText());
+  }
+  for (const wxTextCtrl* const box : All<wxTextCtrl>(dialog)) text += Utf8(box->GetValue());
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+std::string Everything() {
+  std::string all;
+  for (wxWindow* const top : wxTopLevelWindows) {
+    Visit(*top, [&all](wxWindow& window) {
+      const std::string line = Describe(window);
+      if (!line.empty()) all += line + "\n";
+    });
+  }
+  return all.empty() ? "no window" : all;
+}
+
+bool AtRest() {
+  const wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
+  return loop != nullptr && !loop->IsYielding() && !wxTheApp->HasPendingEvents();
+}
+
+void AwaitRest() { Await("the end of the work in hand", AtRest); }
+
+void Begin(const std::string& button) {
+  Send<wxButton>(button, [](wxButton& found) { Post(found, wxEVT_BUTTON); });
+}
+
+void Press(const std::string& button) {
+  Begin(button);
+  AwaitRest();
+}
+
+void Switch(const std::string& check_box_or_option) {
+  const bool is_option =
+      Ask<bool>([&] { return Find<wxRadioButton>(check_box_or_option) != nullptr; });
+  if (is_option) {
+    Send<wxRadioButton>(check_box_or_option, [](wxRadioButton& option) {
+      option.SetValue(true);
+      Post(option, wxEVT_RADIOBUTTON);
+    });
+  } else {
+    Send<wxCheckBox>(check_box_or_option, [](wxCheckBox& box) {
+      box.SetValue(!box.GetValue());
+      Post(box, wxEVT_CHECKBOX);
+    });
+  }
+  AwaitRest();
+}
+
+void Check(std::size_t row, bool checked) {
+  AwaitRest();
+  OnWindows([&] { Last<wxListCtrl>().CheckItem(static_cast<long>(row), checked); });
+  AwaitRest();
+}
+
+void Type(const std::string& text) {
+  AwaitRest();
+  OnWindows([&] { Last<wxTextCtrl>().SetValue(wxString::FromUTF8(text)); });
+  AwaitRest();
+}
+
+void ClickCloseBox() { wxTheApp->GetTopWindow()->Close(); }
+
+void Keys(const std::string& keys) {
+  // Without a window manager nobody else gives the keyboard to a window that has appeared.
+  OnWindows([] { FrontWindow()->Raise(); });
+  AwaitRest();
+  if (std::system(("xdotool key --delay 40 " + keys).c_str()) != 0) {
+    throw std::runtime_error("xdotool failed");
+  }
+}
+
+}  // namespace walks
