@@ -1,7 +1,7 @@
-# Provides PkgConfig::CPP_HTTPLIB, the HTTP server of `paptool serve`; not in a cross build.
+# Provides PkgConfig::CPP_HTTPLIB, the HTTP server of `paptool serve`; not on Windows.
 #
 # pkg-config tells with which options the library was compiled: its header must be read with the same.
-if(NOT CMAKE_CROSSCOMPILING)
+if(NOT WIN32)
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(CPP_HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
 endif()

@@ -40,7 +40,10 @@ requirements() {
     windows)
       echo "x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix"
       echo "/usr/src/googletest/CMakeLists.txt googletest"
+      echo "dpkg-source dpkg-dev"
       echo "/usr/lib/wine/wine64 wine64"
+      echo "/usr/share/wine/fonts/marlett.ttf fonts-wine"
+      echo "Xvfb xvfb"
       ;;
     bench)
       echo "/usr/include/benchmark/benchmark.h libbenchmark-dev"

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "platform/text/code_page.h"
+
 namespace wx_windows {
 namespace {
 
@@ -15,15 +17,9 @@ double PixelsOfTwip(const wxWindow& window) {
   return window.FromDIP(kManyPixels) / static_cast<double>(kManyPixels * kTwipsOfPixel);
 }
 
-// In 16 bits surrogates come in pairs and are left to the toolkit.
-bool CanBeShown(wchar_t character) {
-  if constexpr (sizeof(wchar_t) == 2) return character != 0;
-  const auto code = static_cast<char32_t>(character);
-  return code != 0 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-}
-
 }  // namespace
 
+// By way of UTF-8, which has no place for what is no character.
 wxString ToToolkit(const std::wstring& text) {
   std::wstring shown;
   shown.reserve(text.size());
@@ -32,10 +28,10 @@ wxString ToToolkit(const std::wstring& text) {
     if (character == L'\r') {
       if (at + 1 == text.size() || text[at + 1] != L'\n') shown += L'\n';
     } else {
-      shown += CanBeShown(character) ? character : kReplacement;
+      shown += character == 0 ? kReplacement : character;
     }
   }
-  return {shown};
+  return wxString::FromUTF8(text::WideToUtf8(shown));
 }
 
 std::wstring FromToolkit(const wxString& text) {

@@ -2,7 +2,6 @@
 #include "platform/wx/dialogs.h"
 
 #include <wx/app.h>
-#include <wx/artprov.h>
 #include <wx/button.h>
 #include <wx/dialog.h>
 #include <wx/filedlg.h>
@@ -17,6 +16,7 @@
 
 #include "platform/text/strings.h"
 #include "platform/wx/conversion.h"
+#include "platform/wx/message_picture.h"
 
 namespace wx_windows {
 namespace {
@@ -41,12 +41,11 @@ wxWindow* DialogParent() {
 // systems, and grows over the edges of the screen with a long text.
 class MessageBox final : public wxDialog {
  public:
-  MessageBox(const std::wstring& text, const std::wstring& caption, const wxArtID& picture)
+  MessageBox(const std::wstring& text, const std::wstring& caption, MessageKind kind)
       : wxDialog(DialogParent(), wxID_ANY, ToToolkit(caption)) {
     auto* const message = new wxBoxSizer(wxHORIZONTAL);
     const int margin = FromDIP(kMargin);
-    message->Add(new wxStaticBitmap(this, wxID_ANY,
-                                    wxArtProvider::GetBitmapBundle(picture, wxART_MESSAGE_BOX)),
+    message->Add(new wxStaticBitmap(this, wxID_ANY, MessagePicture(kind)),
                  wxSizerFlags().Border(wxRIGHT, margin));
     message->Add(MakeText(text), wxSizerFlags(1).CentreVertical());
     auto* const whole = new wxBoxSizer(wxVERTICAL);
@@ -102,14 +101,14 @@ wxString Wildcard(const std::wstring& filter) {
 
 void Prompt::ShowMessage(const std::wstring& text, const std::wstring& caption) {
   const WorkGate::Dialog dialog_shown(gate_);
-  MessageBox box(text, caption, wxART_ERROR);
+  MessageBox box(text, caption, MessageKind::kError);
   box.AddButton(wxID_OK, texts_.ok);
   box.Ask(wxID_OK);
 }
 
 bool Prompt::AskYesNo(const std::wstring& text, const std::wstring& caption) {
   const WorkGate::Dialog dialog_shown(gate_);
-  MessageBox box(text, caption, wxART_QUESTION);
+  MessageBox box(text, caption, MessageKind::kQuestion);
   box.AddButton(wxID_NO, texts_.no);
   box.AddButton(wxID_YES, texts_.yes);
   return box.Ask(wxID_NO) == wxID_YES;

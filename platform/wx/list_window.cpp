@@ -27,6 +27,13 @@ wxColour ToToolkitColour(controls::Colour colour) {
                                                                    : plain;
 }
 
+// A cell has one line, and not every system draws a line end in it as nothing.
+wxString CellText(const std::wstring& text) {
+  wxString shown = ToToolkit(text);
+  shown.Replace("\n", " ");
+  return shown;
+}
+
 // Where the items are drawn: on the list itself where it is the system's; where the toolkit draws
 // it, on its first child, besides which it has its headings.
 wxWindow& Canvas(NativeList& list) {
@@ -50,9 +57,9 @@ const controls::ListItem* NativeList::Item(long item) const {
 wxString NativeList::OnGetItemText(long item, long column) const {
   const controls::ListItem* const shown = Item(item);
   if (shown == nullptr) return {};
-  if (column == 0) return ToToolkit(shown->text);
+  if (column == 0) return CellText(shown->text);
   const auto number = static_cast<std::size_t>(column);
-  return number <= shown->sub_items.size() ? ToToolkit(shown->sub_items[number - 1]) : wxString();
+  return number <= shown->sub_items.size() ? CellText(shown->sub_items[number - 1]) : wxString();
 }
 
 bool NativeList::OnGetItemIsChecked(long item) const {
@@ -226,6 +233,7 @@ void ListWindow::PlaceEmptyText() {
   empty_text_ =
       new wxStaticText(&canvas, wxID_ANY, wxControl::EscapeMnemonics(ToToolkit(list_.EmptyText())),
                        wxDefaultPosition, wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
+  empty_text_->SetBackgroundColour(native_.GetBackgroundColour());
   empty_text_->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
   const wxSize room = canvas.GetClientSize();
   empty_text_->Wrap(room.x * 3 / 4);

@@ -60,6 +60,7 @@ class ListWindow final : public ControlWindow, private controls::ListView::ItemO
   void BindEvents();
   void TakeSelection();
   void TakeCheck(long item, bool checked);
+  void Toggle(long item);
   bool TakeKey(wchar_t key);
 
   controls::ListView& list_;

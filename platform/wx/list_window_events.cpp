@@ -29,8 +29,7 @@ void ListWindow::BindEvents() {
     if (!space) return event.Skip();
     if (TakeKey(L' ')) return;
     if (!list_.CheckBoxes()) return event.Skip();
-    const long item = native_.GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_FOCUSED);
-    TakeCheck(item, !native_.IsItemChecked(item));
+    Toggle(native_.GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_FOCUSED));
   });
   native_.Bind(wxEVT_CHAR, [this](wxKeyEvent& event) {
     const auto key = static_cast<wchar_t>(event.GetUnicodeKey());
@@ -72,6 +71,12 @@ void ListWindow::TakeCheck(long item, bool checked) {
   TakeSelection();
   Tell([&] { list_.Check(index, checked); });
   ItemChanged(index);
+}
+
+// Not every system's window knows which boxes are checked.
+void ListWindow::Toggle(long item) {
+  const auto index = static_cast<std::size_t>(item);
+  if (item >= 0 && index < list_.Items().size()) TakeCheck(item, !list_.Item(index).checked);
 }
 
 bool ListWindow::TakeKey(wchar_t key) {

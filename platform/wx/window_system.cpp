@@ -84,6 +84,8 @@ class Toolkit {
 wxIconBundle ReadIcons(std::span<const unsigned char> bytes) {
   if (bytes.empty()) return {};
   wxImage::AddHandler(new wxICOHandler);
+  // A toolkit without PNG leaves the largest one out, and windows do well without.
+  const wxLogNull quiet;
   wxMemoryInputStream stream(bytes.data(), bytes.size());
   return {stream, wxBITMAP_TYPE_ICO};
 }

