@@ -143,4 +143,9 @@ trap 'rm -rf "$work"; if [[ -n $server ]]; then kill "$server" 2>/dev/null || tr
 
 rm -rf "$demo"
 "$paptool" demo "$demo" >"$work/messages"
-if has_display; then show_wizard; else apply_all; fi
+if ! has_display; then
+  apply_all
+elif ! show_wizard; then
+  echo "Without the window, then:"
+  apply_all
+fi

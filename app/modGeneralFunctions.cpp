@@ -2,10 +2,12 @@
 #include "app/modGeneralFunctions.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <new>
 #include <string_view>
+#include <thread>
 
 #include "app/modShared.h"
 #include "platform/files/paths.h"
@@ -19,6 +21,7 @@ namespace {
 
 constexpr wchar_t kLineEnd[] = L"\r\n";
 constexpr std::int32_t kErrorHeadingText = 104;
+constexpr std::chrono::milliseconds kEndlessPause{10};  // so that an endless loop wears nothing out
 constexpr std::size_t kNotFound = std::wstring_view::npos;
 
 // Position of the last separator of a path, or kNotFound.
@@ -69,7 +72,7 @@ void SplitFields(std::wstring_view& vRest, const Add& vAdd) {
     const std::size_t closing = line.find(kQuote, quote + 1);
     if (closing == kNotFound) {
       // Nothing was consumed and nothing ever will be: this loop ends only by what DoEvents throws.
-      for (;;) DoEvents();
+      for (;; std::this_thread::sleep_for(kEndlessPause)) DoEvents();
     }
     if (closing == end - 1) {
       ++at;

@@ -27,6 +27,7 @@ constexpr std::int32_t kImport = 47;
 constexpr std::int32_t kImportFailed = 50;
 constexpr std::int32_t kProcessed = 132;
 constexpr std::int32_t kProcessedStatus = 133;
+constexpr std::int32_t kCompacting = 1070;
 }  // namespace FormTexts
 
 // The steps of the walk. Going back from the select page passes over the transfer.
@@ -251,7 +252,9 @@ void frmOrvPap::StepImport() {
   WithoutErrors([this] {
     if (usrImport1.StartImport(usrTarget1.ptLocation(), usrSelectPap1.SelectedPAP(),
                                usrTarget1.MakeBackup())) {
-      CompactProductTable();
+      usrImport1.lblProgress.SetCaption(LanguageText(FormTexts::kCompacting));
+      WithoutErrors([this] { CompactProductTable(); });
+      usrImport1.lblProgress.SetCaption(L"");
     } else {
       const std::wstring message = Shared().objLanguage->GetMessageText(FormTexts::kImportFailed);
       ShowMessage(text::ReplaceAll(message, L"/p", L"\r\n"), L"");

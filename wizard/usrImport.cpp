@@ -28,16 +28,24 @@ constexpr std::int32_t kCannotBeOpened = 56;
 constexpr std::int32_t kOpened = 55;
 constexpr std::int32_t kBackup = 57;
 constexpr std::int32_t kCopyTip = 58;
+constexpr std::int32_t kUpdate = 59;
 constexpr std::int32_t kMessageColumn = 1007;
 constexpr std::int32_t kDetailColumn = 1008;
 constexpr std::int32_t kCopy = 1030;
 }  // namespace ImportPageTexts
+
+// The label is told of records no more often than anybody can see.
+constexpr std::chrono::milliseconds kTellingPause{50};
 
 constexpr wchar_t kLogFile[] = L"paplog.txt";
 constexpr wchar_t kBackupExtension[] = L".pt";
 
 // The classic error of using an object that is not there.
 constexpr std::int32_t kNoObject = 91;
+
+std::wstring OfAll(std::int32_t vCurrent, std::int32_t vAll) {
+  return std::to_wstring(vCurrent) + L" / " + std::to_wstring(vAll);
+}
 
 std::wstring LogPath() {
   const std::wstring& path = Shared().strLogFile;
@@ -139,14 +147,14 @@ class usrImport::UpdateInHand {
 };
 
 usrImport::usrImport() {
-  Contain({&lvResults, &ProgressBarTotal, &pBar, &cmdCopyToClipboard});
+  Contain({&lvResults, &lblProgress, &ProgressBarTotal, &pBar, &cmdCopyToClipboard});
   cmdCopyToClipboard.Click = [this] { cmdCopyToClipboard_Click(); };
 }
 
 controls::Layout usrImport::Arrangement() {
   using controls::Column, controls::Row, controls::Show, controls::Stretched;
-  return Column({Stretched(Show(&lvResults)), Show(&ProgressBarTotal), Show(&pBar),
-                 Row({controls::Space(), Show(&cmdCopyToClipboard)})});
+  return Column({Stretched(Show(&lvResults)), Show(&lblProgress), Show(&ProgressBarTotal),
+                 Show(&pBar), Row({controls::Space(), Show(&cmdCopyToClipboard)})});
 }
 
 bool usrImport::StartImport(const std::wstring& vPtFile,
@@ -180,6 +188,8 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
       const UpdateInHand in_hand(*this, orv_pap);
       ApplyUpdate(vPtFile, vMakeBackup);
     }
+    lblProgress.SetCaption(L"");
+    ShowFirstError();
     RaiseEvent(AanzettenVolgende, true);
     RaiseEvent(AanzettenVorige, true);
     return m_errors == 0;
@@ -219,10 +229,29 @@ void usrImport::ApplyUpdate(const std::wstring& vPtFile, bool vMakeBackup) {
   SetPapProcessed(vPtFile, *tmpOrvPap, result);
 }
 
+// Of the update in hand: its position, its name and the record that its step has come to.
+void usrImport::ShowProgress() {
+  m_told = std::chrono::steady_clock::now();
+  lblProgress.SetCaption(LanguageText(ImportPageTexts::kUpdate) + L" " +
+                         OfAll(ProgressBarTotal.Value(), ProgressBarTotal.Max()) + L": " +
+                         GetFileName(tmpOrvPap->FilePath) + L" (" +
+                         OfAll(pBar.Value(), pBar.Max()) + L")");
+}
+
+// The list stands at its end, where the lines that matter may be out of sight.
+void usrImport::ShowFirstError() {
+  const std::vector<controls::ListItem>& items = lvResults.Items();
+  const auto red = std::find_if(items.begin(), items.end(), [](const controls::ListItem& item) {
+    return item.colour == controls::kRed;
+  });
+  if (red != items.end()) lvResults.EnsureVisible(static_cast<std::size_t>(red - items.begin()));
+}
+
 void usrImport::tmpOrvPap_ProgressInit(std::int32_t vMax) {
   try {
     pBar.SetMax(std::max(vMax, 1));
     pBar.SetValue(1);
+    ShowProgress();
     DoEvents();
   } catch (...) {
     ShowErrorMessage(L"tmpOrvPap_ProgressInit (Sub)");
@@ -232,6 +261,7 @@ void usrImport::tmpOrvPap_ProgressInit(std::int32_t vMax) {
 void usrImport::tmpOrvPap_ProgressCurrent(std::int32_t vCurrent) {
   try {
     pBar.SetValue(vCurrent);
+    if (std::chrono::steady_clock::now() - m_told >= kTellingPause) ShowProgress();
   } catch (...) {
     ShowErrorMessage(L"tmpOrvPap_ProgressCurrent (Sub)");
   }

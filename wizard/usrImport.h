@@ -1,6 +1,7 @@
 // The wizard's last page: runs the import and shows what became of it.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -24,6 +25,7 @@ class usrImport final : public controls::Page {
   controls::Layout Arrangement() override;
 
   controls::ListView lvResults;            // the messages with their details; a refusal is red
+  controls::Label lblProgress;             // which update is in hand, and which of its records
   controls::ProgressBar ProgressBarTotal;  // the updates
   controls::ProgressBar pBar;              // the records of a step of the update in hand
   controls::Button cmdCopyToClipboard;     // copies lvResults as text
@@ -59,13 +61,17 @@ class usrImport final : public controls::Page {
   bool CheckProductTable(const std::wstring& vPtFile);
   void ApplyUpdate(const std::wstring& vPtFile, bool vMakeBackup);
 
+  void ShowProgress();
+  void ShowFirstError();
+
   void tmpOrvPap_ProgressInit(std::int32_t vMax);
   void tmpOrvPap_ProgressCurrent(std::int32_t vCurrent);
   void tmpOrvPap_ShowListMessage(const std::wstring& vMessage, const std::wstring& vMessageSub,
                                  bool vShowInList, bool vError);
   void cmdCopyToClipboard_Click() const;
 
-  std::size_t m_errors = 0;  // messages of this run that were errors
+  std::chrono::steady_clock::time_point m_told{};  // when the label was shown last
+  std::size_t m_errors = 0;                        // messages of this run that were errors
   std::vector<std::wstring> m_silentFailures;
   std::vector<std::wstring> m_failedBackups;
   std::unique_ptr<clsLogfile> m_log;     // while updates are applied

@@ -185,6 +185,7 @@ TEST_F(frmOrvPapTest, AProductTableThatIsRefusedLeadsBackToItsChoice) {
   form.usrTarget1.txt_PTLocation.Type(folder.Text("missing.pt"));
   EXPECT_EQ(Next(), "target #42 #1 <>x");
   EXPECT_THAT(prompt.messages, testing::Not(IsEmpty()));
+  EXPECT_EQ(ProductConnection, nullptr);
   EXPECT_EQ(Previous(), "welcome #0 #1 >x");
 }
 
@@ -192,6 +193,11 @@ TEST_F(frmOrvPapTest, TheEndStoresTheChoicesAndLeavesACompactedTable) {
   folder.Write(compacted, "of an earlier run");
   LeaveGaps();
   const std::uintmax_t before = fs::file_size(table);
+  pump.meanwhile = [&] {
+    if (form.usrImport1.Visible() && ProductConnection != nullptr) {
+      EXPECT_EQ(Shown(), "import #47 #3 ") << "nothing to press while updates are applied";
+    }
+  };
   EXPECT_EQ(Import(), "import #47 #3 <>");
   EXPECT_THAT(prompt.messages, IsEmpty());
   EXPECT_LT(fs::file_size(table), before);
@@ -281,11 +287,16 @@ TEST_F(frmOrvPapTest, ClosingEndsTheWorkInHandWithoutTraces) {
 TEST_F(frmOrvPapTest, NobodyClosesItWhileFilesAreFetched) {
   while (!form.usrDownload1.Visible()) Next();
   int refused = 0;
-  pump.meanwhile = [&] { refused += form.Close() ? 0 : 1; };
+  pump.meanwhile = [&] {
+    EXPECT_EQ(Shown(), "download2 #6 #1 ");
+    refused += form.Close() ? 0 : 1;
+  };
   Next();
   EXPECT_GT(std::exchange(refused, 0), 0);
   pump.meanwhile = [&] {
-    if (form.usrDownload1.frStep3.Visible()) refused += form.Close() ? 0 : 1;
+    if (!form.usrDownload1.frStep3.Visible()) return;
+    EXPECT_EQ(Shown(), "download3 #6 #1 ");
+    refused += form.Close() ? 0 : 1;
   };
   Next();
   EXPECT_GT(refused, 0);
