@@ -68,7 +68,7 @@ void WithoutErrors(const Work& vWork) {
 // A file that a block makes and takes away again, unless the block ends with Keep.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::wstring& vPath) : m_path(vPath) {}
+  explicit TemporaryFile(std::wstring vPath) : m_path(std::move(vPath)) {}
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
