@@ -53,7 +53,9 @@ TEST(DatabaseEngineTest, ANewTableKeepsItsRulesThroughCompaction) {
       L"PriceUpdates",
       {text(L"FileName", true),
        {.Name = L"Date", .Type = DataType::kDate},
-       text(L"Supplier", false)},
+       text(L"Assortiment", false),
+       text(L"Supplier", false),
+       {.Name = L"DateProcessed", .Type = DataType::kDate}},
       {{.Name = L"PriceUpdates_PK", .Fields = {L"FileName"}, .Primary = true, .Unique = true}}};
   {
     const auto engine = DBEngine().CreateDatabase(folder.Text("first.mdb"));
