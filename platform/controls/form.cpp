@@ -44,7 +44,7 @@ void Form::Resized(Size outer, Size inner) {
 }
 
 bool Form::Close() {
-  if (!MayClose || MayClose()) Unload();
+  if (MayBeClosed()) Unload();
   return unloaded_;
 }
 

@@ -73,7 +73,10 @@ class Form {
   // By the window: the screen that it is on; its sizes, which raise Resize.
   void SetScreen(Size screen) { screen_ = screen; }
   void Resized(Size outer, Size inner);
-  // The user wants to close it: unloads the form unless MayClose refuses. Whether it is unloaded.
+  // Whether the user may close it now.
+  bool MayBeClosed() const { return !MayClose || MayClose(); }
+  // The user wants to close it: unloads the form unless it may not be closed. Whether it is
+  // unloaded.
   bool Close();
 
   std::function<void()> Resize;

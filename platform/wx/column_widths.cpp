@@ -23,13 +23,18 @@ void ColumnWidths::Begin(const std::vector<std::wstring>& headings, bool check_b
 
 void ColumnWidths::Add(std::size_t column, const std::wstring& text) {
   if (column >= widths_.size()) return;
+  const int width = std::min(WidthOf(column, text), window_.FromDIP(kWidest));
+  widths_[column] = std::max(widths_[column], width);
+}
+
+int ColumnWidths::WidthOf(std::size_t column, const std::wstring& text) {
   const int widest = window_.FromDIP(kWidest);
   int width = window_.FromDIP(kAround) + (column == 0 ? check_box_ : 0);
   for (const wchar_t character : text) {
     width += WidthOf(character);
     if (width >= widest) break;
   }
-  widths_[column] = std::max(widths_[column], std::min(width, widest));
+  return width;
 }
 
 int ColumnWidths::WidthOf(wchar_t character) {

@@ -22,6 +22,10 @@ class ColumnWidths {
   // A text stands in this column.
   void Add(std::size_t column, const std::wstring& text);
 
+  // What the text needs there, in the same measure as Widths; it may be more than those
+  // can be.
+  int WidthOf(std::size_t column, const std::wstring& text);
+
   // In pixels, with the room around the text, but never more than a window can be asked to hold.
   const std::vector<int>& Widths() const { return widths_; }
 

@@ -5,7 +5,10 @@
 #include <wx/sizer.h>
 #include <wx/tooltip.h>
 
+#include <utility>
+
 #include "platform/wx/conversion.h"
+#include "platform/wx/scoped_value.h"
 
 namespace wx_windows {
 
@@ -17,16 +20,15 @@ ControlWindow::ControlWindow(controls::Control& control, wxWindow& window, WorkG
 ControlWindow::~ControlWindow() { control_.Observe(nullptr); }
 
 void ControlWindow::ControlChanged() {
-  mirroring_ = true;
-  if (window_.IsThisEnabled() != control_.Enabled()) window_.Enable(control_.Enabled());
-  MirrorToolTip();
-  bool needs_size = MirrorKind();
   const bool appears = control_.Visible() && !window_.IsShown();
-  if (window_.IsShown() != control_.Visible()) {
-    window_.Show(control_.Visible());
-    needs_size = true;
+  bool needs_size = window_.IsShown() != control_.Visible();
+  {
+    const ScopedValue mirroring(mirroring_, true);
+    if (window_.IsThisEnabled() != control_.Enabled()) window_.Enable(control_.Enabled());
+    MirrorToolTip();
+    if (MirrorKind()) needs_size = true;
+    if (window_.IsShown() != control_.Visible()) window_.Show(control_.Visible());
   }
-  mirroring_ = false;
   if (window_.GetContainingSizer() == nullptr && control_.Place() != place_) {
     place_ = control_.Place();
     window_.SetSize(ToPixels(window_, place_));
@@ -39,6 +41,10 @@ void ControlWindow::Tell(const std::function<void()>& user_action) {
   if (mirroring_) return;
   gate_.Work(user_action);
   ControlChanged();
+}
+
+void ControlWindow::Later(std::function<void()> code) {
+  window_.CallAfter([this, code = std::move(code)] { gate_.Guard(code); });
 }
 
 void ControlWindow::SetFallbackToolTip(const wxString& text) {

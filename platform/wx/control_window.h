@@ -42,6 +42,10 @@ class ControlWindow : public controls::Control::Observer {
   // Calls the program because of something that the user did, then shows what became of it.
   void Tell(const std::function<void()>& user_action);
 
+  // Does it when the window system gets its turn, if the window is still there then; even while
+  // the program works.
+  void Later(std::function<void()> code);
+
   // Whether the window is being changed by the program: what it reports then is not the user's.
   bool Mirroring() const { return mirroring_; }
 

@@ -3,7 +3,9 @@
 
 #include <wx/app.h>
 #include <wx/button.h>
+#include <wx/dcclient.h>
 #include <wx/dialog.h>
+#include <wx/display.h>
 #include <wx/filedlg.h>
 #include <wx/filename.h>
 #include <wx/sizer.h>
@@ -11,19 +13,21 @@
 #include <wx/stattext.h>
 #include <wx/stockitem.h>
 #include <wx/textctrl.h>
+#include <wx/tokenzr.h>
 
 #include <algorithm>
 
 #include "platform/text/strings.h"
 #include "platform/wx/conversion.h"
+#include "platform/wx/event_pump.h"
 #include "platform/wx/message_picture.h"
 
 namespace wx_windows {
 namespace {
 
-// A longer text is scrolled.
-constexpr std::ptrdiff_t kMostLines = 20;
+// A text with more characters, or one that becomes higher, is scrolled.
 constexpr std::size_t kMostCharacters = 1500;
+constexpr int kHighestText = 420;
 
 // In pixels at the normal scale.
 constexpr int kTextWidth = 440;
@@ -35,6 +39,30 @@ constexpr int kGap = 8;
 wxWindow* DialogParent() {
   wxWindow* const top = wxTheApp->GetTopWindow();
   return top != nullptr && top->IsShown() ? top : nullptr;
+}
+
+// The text with line ends in those words that are wider than this in the window, as long paths
+// are: after a separator where one is near.
+wxString BreakLongWords(wxWindow& window, const wxString& text, int width) {
+  const wxClientDC dc(&window);
+  wxString broken;
+  wxStringTokenizer words(text, " \n", wxTOKEN_RET_EMPTY_ALL);
+  while (words.HasMoreTokens()) {
+    wxString word = words.GetNextToken();
+    wxArrayInt ends;
+    while (dc.GetTextExtent(word).x > width && dc.GetPartialTextExtents(word, ends)) {
+      const auto over = std::upper_bound(ends.begin(), ends.end(), width);
+      const auto most = std::max<std::size_t>(1, static_cast<std::size_t>(over - ends.begin()));
+      const std::size_t separator = word.find_last_of("/\\", most - 1);
+      const bool near = separator != wxString::npos && separator >= most / 2;
+      const std::size_t piece = near ? separator + 1 : most;
+      broken += word.substr(0, piece) + '\n';
+      word.erase(0, piece);
+    }
+    broken += word;
+    if (words.GetLastDelimiter() != 0) broken += words.GetLastDelimiter();
+  }
+  return broken;
 }
 
 // A picture, a text and buttons. The toolkit's own message box leaves the picture away on some
@@ -67,6 +95,9 @@ class MessageBox final : public wxDialog {
   int Ask(int escape) {
     SetEscapeId(escape);
     Fit();
+    wxSize size = GetSize();
+    size.DecTo(wxDisplay(this).GetClientArea().GetSize());
+    SetSize(size);
     CentreOnParent();
     button_->SetDefault();
     button_->SetFocus();
@@ -77,14 +108,15 @@ class MessageBox final : public wxDialog {
   wxWindow* MakeText(const std::wstring& text) {
     const wxString shown = ToToolkit(text);
     const int width = FromDIP(kTextWidth);
-    if (text.size() > kMostCharacters || std::count(text.begin(), text.end(), L'\n') > kMostLines) {
-      return new wxTextCtrl(this, wxID_ANY, shown, wxDefaultPosition,
-                            wxSize(width, FromDIP(kScrolledHeight)),
-                            wxTE_MULTILINE | wxTE_READONLY);
+    if (text.size() <= kMostCharacters) {
+      const wxString lines = BreakLongWords(*this, shown, width);
+      auto* const label = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(lines));
+      label->Wrap(width);
+      if (label->GetBestSize().y <= FromDIP(kHighestText)) return label;
+      label->Destroy();
     }
-    auto* const label = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(shown));
-    label->Wrap(width);
-    return label;
+    return new wxTextCtrl(this, wxID_ANY, shown, wxDefaultPosition,
+                          wxSize(width, FromDIP(kScrolledHeight)), wxTE_MULTILINE | wxTE_READONLY);
   }
 
   wxBoxSizer* buttons_ = new wxBoxSizer(wxHORIZONTAL);
@@ -101,6 +133,7 @@ wxString Wildcard(const std::wstring& filter) {
 
 void Prompt::ShowMessage(const std::wstring& text, const std::wstring& caption) {
   const WorkGate::Dialog dialog_shown(gate_);
+  EndBusyCursor();
   MessageBox box(text, caption, MessageKind::kError);
   box.AddButton(wxID_OK, texts_.ok);
   box.Ask(wxID_OK);
@@ -108,6 +141,7 @@ void Prompt::ShowMessage(const std::wstring& text, const std::wstring& caption) 
 
 bool Prompt::AskYesNo(const std::wstring& text, const std::wstring& caption) {
   const WorkGate::Dialog dialog_shown(gate_);
+  EndBusyCursor();
   MessageBox box(text, caption, MessageKind::kQuestion);
   box.AddButton(wxID_NO, texts_.no);
   box.AddButton(wxID_YES, texts_.yes);
@@ -117,6 +151,7 @@ bool Prompt::AskYesNo(const std::wstring& text, const std::wstring& caption) {
 std::optional<std::wstring> FileDialog::ChooseFile(const Request& request) {
   wxFileName start(wxString(request.file));
   const WorkGate::Dialog dialog_shown(gate_);
+  EndBusyCursor();
   for (;;) {
     wxFileDialog dialog(DialogParent(), ToToolkit(request.title), start.GetPath(),
                         start.GetFullName(), Wildcard(request.filter),

@@ -10,7 +10,8 @@
 namespace wx_windows {
 
 // Handles what waits at most once in a pause of 20 ms; in between a call costs a look at the clock.
-// Ends the work in hand when the user has closed the form. Calls from inside a call do nothing.
+// Ends the work in hand when the user has closed the form. Work that takes long gets the busy
+// cursor. Calls from inside a call do nothing.
 class EventPump final : public controls::EventPump {
  public:
   // The gate must outlive the pump.
@@ -23,5 +24,9 @@ class EventPump final : public controls::EventPump {
   std::optional<std::chrono::steady_clock::time_point> last_;  // end of the last time
   bool handling_ = false;
 };
+
+// The cursor is no longer busy, if it was: after work, and while a dialog waits in the middle of
+// it.
+void EndBusyCursor();
 
 }  // namespace wx_windows

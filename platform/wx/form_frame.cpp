@@ -2,6 +2,7 @@
 #include "platform/wx/form_frame.h"
 
 #include <wx/app.h>
+#include <wx/dialog.h>
 #include <wx/radiobut.h>
 #include <wx/settings.h>
 #include <wx/statline.h>
@@ -36,6 +37,18 @@ bool FocusFirst(const wxWindow& parent) {
   return false;
 }
 
+bool TakesFocus(const wxWindow* window) {
+  return window != nullptr && window->IsEnabled() && window->IsShownOnScreen();
+}
+
+// Work that waits for an answer goes on without one.
+void LeaveDialogs() {
+  for (wxWindow* const window : wxTopLevelWindows) {
+    auto* const dialog = dynamic_cast<wxDialog*>(window);
+    if (dialog != nullptr && dialog->IsModal()) dialog->EndModal(wxID_CANCEL);
+  }
+}
+
 }  // namespace
 
 FormFrame::FormFrame(controls::Form& form, WorkGate& gate, const wxIconBundle& icons)
@@ -52,6 +65,7 @@ FormFrame::FormFrame(controls::Form& form, WorkGate& gate, const wxIconBundle& i
   MakeControls();
   ReportSize();
   form_.ShowIn(this);
+  gate_.before_work = [this] { focus_before_ = FindFocus(); };
   gate_.after_work = [this] { AfterWork(); };
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
@@ -62,6 +76,16 @@ FormFrame::FormFrame(controls::Form& form, WorkGate& gate, const wxIconBundle& i
     event.Skip();
     KeepPlace();
   });
+  Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
+    event.Skip();
+    ColourHeader();
+  });
+  Bind(wxEVT_DPI_CHANGED, [this](wxDPIChangedEvent& event) {
+    event.Skip();
+    width_ = 0;
+    CallAfter([this] { FixWidth(); });
+    ReportSizeLater();
+  });
   Bind(wxEVT_CLOSE_WINDOW, &FormFrame::OnClose, this);
   Bind(wxEVT_CHAR_HOOK, &FormFrame::OnKey, this);
 }
@@ -69,6 +93,7 @@ FormFrame::FormFrame(controls::Form& form, WorkGate& gate, const wxIconBundle& i
 // The windows go while what their events come to is still there.
 FormFrame::~FormFrame() {
   form_.ShowIn(nullptr);
+  gate_.before_work = nullptr;
   gate_.after_work = nullptr;
   DestroyChildren();
 }
@@ -83,11 +108,11 @@ void FormFrame::MakeControls() {
     const bool on_header = !is_page && header_ != nullptr && top < header_height;
     wxWindow& parent = on_header ? static_cast<wxWindow&>(*header_) : root_;
     ControlWindow& window = windows_.Make(control, parent);
-    if (on_header) window.Window().SetBackgroundColour(header_->GetBackgroundColour());
     if (std::holds_alternative<controls::Button*>(control)) {
       window.size_changed = [this] { ReportSizeLater(); };
     }
   }
+  ColourHeader();
   if (controls::Button* const button = form_.DefaultButton(); button != nullptr) {
     static_cast<wxButton*>(WindowOf(*button))->SetDefault();
   }
@@ -96,10 +121,20 @@ void FormFrame::MakeControls() {
 void FormFrame::MakeHeader(std::int32_t height) {
   const int pixels = ToPixels(*this, height);
   header_ = new wxPanel(&root_, wxID_ANY, wxPoint(0, 0), wxSize(GetClientSize().x, pixels));
-  header_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
-  header_->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
   const int line = 1;
   new wxStaticLine(header_, wxID_ANY, wxPoint(0, pixels - line), wxSize(GetClientSize().x, line));
+}
+
+// As the system's colours are now.
+void FormFrame::ColourHeader() {
+  if (header_ == nullptr) return;
+  const wxColour background = wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW);
+  header_->SetBackgroundColour(background);
+  header_->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
+  for (wxWindow* const child : header_->GetChildren()) {
+    if (dynamic_cast<wxStaticLine*>(child) == nullptr) child->SetBackgroundColour(background);
+  }
+  header_->Refresh();
 }
 
 // Where the form's pages begin; 0 for a form without pages.
@@ -153,8 +188,10 @@ void FormFrame::KeepPlace() {
 
 void FormFrame::ShowForm() {
   if (form_.Unloaded() || gate_.Ending()) return;
-  const bool minimized = form_.State() == controls::Form::WindowState::kMinimized;
-  if (IsIconized() != minimized) Iconize(minimized);
+  // Only what the program has changed: what the user has minimized stays so.
+  if (std::exchange(state_, form_.State()) != form_.State()) {
+    Iconize(form_.State() == controls::Form::WindowState::kMinimized);
+  }
   if (IsShown()) return;
   appeared_at_ = Clock::now();
   appearing_size_ = GetSize();
@@ -212,20 +249,36 @@ void FormFrame::AfterWork() {
     return;
   }
   wxWindow* const appeared = std::exchange(focus_in_, nullptr);
-  if (appeared != nullptr && appeared->IsShownOnScreen()) FocusFirst(*appeared);
+  if (appeared != nullptr && appeared->IsShownOnScreen() && FocusFirst(*appeared)) return;
+  KeepFocus();
+}
+
+// Work may have disabled or hidden what had the focus: the keyboard must not be lost for it.
+void FormFrame::KeepFocus() {
+  if (!IsActive() || TakesFocus(FindFocus())) return;
+  if (TakesFocus(focus_before_)) {
+    focus_before_->SetFocus();
+  } else {
+    FocusFirst(root_);
+  }
 }
 
 void FormFrame::OnClose(wxCloseEvent& event) {
+  // At the end of the user's session nobody is asked.
+  const bool must = !event.CanVeto();
   if (!gate_.Working()) {
-    gate_.Work([this] { form_.Close(); });
-    if (!form_.Unloaded() && event.CanVeto()) event.Veto();
+    gate_.Work([&] { must ? form_.Unload() : static_cast<void>(form_.Close()); });
+    if (!form_.Unloaded()) event.Veto();
     return;
   }
-  if (event.CanVeto()) event.Veto();
-  bool permitted = false;
-  gate_.Guard([&] { permitted = !form_.MayClose || form_.MayClose(); });
-  if (!permitted || gate_.InDialog()) return;
+  if (!must) {
+    event.Veto();
+    bool permitted = false;
+    gate_.Guard([&] { permitted = form_.MayBeClosed(); });
+    if (!permitted || gate_.InDialog()) return;
+  }
   gate_.End();
+  LeaveDialogs();
   Hide();
 }
 

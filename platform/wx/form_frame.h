@@ -5,6 +5,7 @@
 #include <wx/frame.h>
 #include <wx/iconbndl.h>
 #include <wx/panel.h>
+#include <wx/weakref.h>
 
 #include <chrono>
 #include <functional>
@@ -42,6 +43,7 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
 
   void MakeControls();
   void MakeHeader(std::int32_t height);
+  void ColourHeader();
   std::int32_t HeaderHeight();
   void FixWidth();
   void ShowForm();
@@ -53,6 +55,7 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   void GrowButtons();
 
   void AfterWork();
+  void KeepFocus();
   void OnClose(wxCloseEvent& event);
   void OnKey(wxKeyEvent& event);
   bool EnterIsTaken() const;
@@ -66,9 +69,11 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   std::int32_t width_ = 0;  // as fixed last, in twips
   std::int32_t left_ = 0;   // as moved to last
   std::int32_t top_ = 0;
+  controls::Form::WindowState state_ = controls::Form::WindowState::kNormal;  // as mirrored last
   std::optional<Clock::time_point> appeared_at_;  // until the window is in its place
   wxSize appearing_size_;
   wxWindow* focus_in_ = nullptr;  // a page or group that has appeared
+  wxWindowRef focus_before_;      // what had the focus when the work began
   bool report_later_ = false;
   bool show_later_ = false;
 };

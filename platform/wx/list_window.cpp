@@ -15,8 +15,10 @@ namespace wx_windows {
 namespace {
 
 constexpr controls::Colour kSystemColour = 0x80000000;
-constexpr int kLighter = 140;        // per cent, of a colour on a dark background
-constexpr int kSmallestHeight = 80;  // in pixels at the normal scale
+constexpr int kLighter = 140;  // per cent, of a colour on a dark background
+// In pixels at the normal scale.
+constexpr int kSmallestHeight = 80;
+constexpr int kNarrowestWide = 160;  // of a column that gives room to others
 
 // A colour that can be read on the background that lists have now.
 wxColour ToToolkitColour(controls::Colour colour) {
@@ -28,17 +30,10 @@ wxColour ToToolkitColour(controls::Colour colour) {
 }
 
 // A cell has one line, and not every system draws a line end in it as nothing.
-wxString CellText(const std::wstring& text) {
+wxString OneLine(const std::wstring& text) {
   wxString shown = ToToolkit(text);
   shown.Replace("\n", " ");
   return shown;
-}
-
-// Where the items are drawn: on the list itself where it is the system's; where the toolkit draws
-// it, on its first child, besides which it has its headings.
-wxWindow& Canvas(NativeList& list) {
-  wxWindowList& children = list.GetChildren();
-  return children.empty() ? list : *children.GetFirst()->GetData();
 }
 
 }  // namespace
@@ -54,12 +49,17 @@ const controls::ListItem* NativeList::Item(long item) const {
   return item >= 0 && index < list_.Items().size() ? &list_.Items()[index] : nullptr;
 }
 
+wxWindow& NativeList::Canvas() {
+  wxWindowList& children = GetChildren();
+  return children.empty() ? *this : *children.GetFirst()->GetData();
+}
+
 wxString NativeList::OnGetItemText(long item, long column) const {
   const controls::ListItem* const shown = Item(item);
   if (shown == nullptr) return {};
-  if (column == 0) return CellText(shown->text);
+  if (column == 0) return OneLine(shown->text);
   const auto number = static_cast<std::size_t>(column);
-  return number <= shown->sub_items.size() ? CellText(shown->sub_items[number - 1]) : wxString();
+  return number <= shown->sub_items.size() ? OneLine(shown->sub_items[number - 1]) : wxString();
 }
 
 bool NativeList::OnGetItemIsChecked(long item) const {
@@ -81,7 +81,11 @@ ListWindow::ListWindow(controls::ListView& list, wxWindow& parent, WorkGate& gat
       list_(list),
       native_(*new NativeList(list, Window())),
       widths_(native_) {
-  Window().SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_BTNSHADOW));
+  ColourLine();
+  Window().Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
+    event.Skip();
+    ColourLine();
+  });
   auto* const around = new wxBoxSizer(wxVERTICAL);
   around->Add(&native_, wxSizerFlags(1).Expand().Border(wxALL, 1));
   Window().SetSizer(around);
@@ -94,6 +98,11 @@ ListWindow::ListWindow(controls::ListView& list, wxWindow& parent, WorkGate& gat
 
 ListWindow::~ListWindow() { list_.ObserveItems(nullptr); }
 
+void ListWindow::ColourLine() {
+  Window().SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_BTNSHADOW));
+  Window().Refresh();
+}
+
 bool ListWindow::MirrorKind() {
   if (native_.HasCheckBoxes() != list_.CheckBoxes()) {
     native_.EnableCheckBoxes(list_.CheckBoxes());
@@ -105,6 +114,7 @@ bool ListWindow::MirrorKind() {
 
 void ListWindow::ColumnsChanged() {
   columns_changed_ = true;
+  dragged_.clear();
   ShowLater();
 }
 
@@ -136,7 +146,7 @@ void ListWindow::ScrollIntoView(std::size_t index) {
 void ListWindow::ShowLater() {
   if (show_later_) return;
   show_later_ = true;
-  native_.CallAfter([this] { ShowNow(); });
+  Later([this] { ShowNow(); });
 }
 
 void ListWindow::ShowNow() {
@@ -175,6 +185,7 @@ void ListWindow::ShowNow() {
 }
 
 void ListWindow::ShowSelection(std::size_t index) {
+  if (index >= list_.Items().size()) return;  // the page has cleared the list meanwhile
   const auto item = static_cast<long>(index);
   const bool selected = list_.Item(index).selected;
   const bool shown = native_.GetItemState(item, wxLIST_STATE_SELECTED) != 0;
@@ -212,12 +223,25 @@ void ListWindow::Measure(std::size_t index) {
   }
 }
 
-// The last column takes what the others leave.
+// The last column takes what the others leave; where that is not enough, the widest of those in the
+// middle gives what it has to. A column that the user has dragged stays as it is.
 void ListWindow::SetWidths() {
   std::vector<int> widths = widths_.Widths();
   if (widths.empty()) return;
-  const int others = std::accumulate(widths.begin(), widths.end() - 1, 0);
-  widths.back() = std::max(widths.back(), native_.GetClientSize().x - others);
+  for (const int column : dragged_) {
+    const auto index = static_cast<std::size_t>(column);
+    if (index < widths.size()) widths[index] = native_.GetColumnWidth(column);
+  }
+  const int spare = native_.GetClientSize().x - std::accumulate(widths.begin(), widths.end(), 0);
+  if (spare > 0) {
+    if (!dragged_.contains(static_cast<int>(widths.size()) - 1)) widths.back() += spare;
+  } else if (widths.size() > 2) {
+    const auto widest = std::max_element(widths.begin() + 1, widths.end() - 1);
+    const int narrowest = std::min(*widest, native_.FromDIP(kNarrowestWide));
+    if (!dragged_.contains(static_cast<int>(widest - widths.begin()))) {
+      *widest = std::max(narrowest, *widest + spare);
+    }
+  }
   for (int column = 0; column < static_cast<int>(widths.size()); ++column) {
     const int width = widths[static_cast<std::size_t>(column)];
     if (native_.GetColumnWidth(column) != width) native_.SetColumnWidth(column, width);
@@ -229,7 +253,7 @@ void ListWindow::SetWidths() {
 void ListWindow::PlaceEmptyText() {
   if (empty_text_ != nullptr) std::exchange(empty_text_, nullptr)->Destroy();
   if (!list_.Items().empty() || list_.EmptyText().empty()) return;
-  wxWindow& canvas = Canvas(native_);
+  wxWindow& canvas = native_.Canvas();
   empty_text_ =
       new wxStaticText(&canvas, wxID_ANY, wxControl::EscapeMnemonics(ToToolkit(list_.EmptyText())),
                        wxDefaultPosition, wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -20,6 +21,12 @@ class NativeList final : public wxListCtrl {
  public:
   // The list must outlive it.
   NativeList(const controls::ListView& list, wxWindow& parent);
+
+  // Where the items are drawn: on the list itself where it is the system's; where the toolkit draws
+  // it, on its first child, besides which it has its headings.
+  wxWindow& Canvas();
+  // What an item shows in a column; empty where there is none.
+  wxString CellText(long item, long column) const { return OnGetItemText(item, column); }
 
  private:
   wxString OnGetItemText(long item, long column) const override;
@@ -48,6 +55,7 @@ class ListWindow final : public ControlWindow, private controls::ListView::ItemO
   void ItemsCleared() override;
   void ScrollIntoView(std::size_t index) override;
 
+  void ColourLine();
   void ShowLater();
   void ShowNow();
   void ShowColumns();
@@ -58,6 +66,8 @@ class ListWindow final : public ControlWindow, private controls::ListView::ItemO
 
   // From the window to the list.
   void BindEvents();
+  void OnKeyDown(wxKeyEvent& event);
+  void ShowWholeText(const wxPoint& mouse);
   void TakeSelection();
   void TakeCheck(long item, bool checked);
   void Toggle(long item);
@@ -70,6 +80,7 @@ class ListWindow final : public ControlWindow, private controls::ListView::ItemO
   std::vector<std::size_t> changed_;   // items to draw anew
   std::vector<std::size_t> selected_;  // as the window had them last, in order
   std::optional<std::size_t> scroll_to_;
+  std::set<int> dragged_;  // columns whose width is the user's
   bool columns_changed_ = true;
   bool cleared_ =
       false;  // since it was shown last: the window's selection is not that of its items

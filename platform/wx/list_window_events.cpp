@@ -6,13 +6,40 @@
 #include <utility>
 
 namespace wx_windows {
+namespace {
+
+bool MovesInList(int key) {
+  switch (key) {
+    case WXK_UP:
+    case WXK_DOWN:
+    case WXK_LEFT:
+    case WXK_RIGHT:
+    case WXK_HOME:
+    case WXK_END:
+    case WXK_PAGEUP:
+    case WXK_PAGEDOWN:
+    case WXK_NUMPAD_UP:
+    case WXK_NUMPAD_DOWN:
+    case WXK_NUMPAD_LEFT:
+    case WXK_NUMPAD_RIGHT:
+    case WXK_NUMPAD_HOME:
+    case WXK_NUMPAD_END:
+    case WXK_NUMPAD_PAGEUP:
+    case WXK_NUMPAD_PAGEDOWN:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
 
 void ListWindow::BindEvents() {
   const auto selection_changes = [this](wxListEvent& event) {
     event.Skip();
     if (Mirroring() || take_selection_later_) return;
     take_selection_later_ = true;  // selecting all of a long list is an event an item
-    native_.CallAfter([this] { TakeSelection(); });
+    Later([this] { TakeSelection(); });
   };
   for (const auto& kind :
        {wxEVT_LIST_ITEM_SELECTED, wxEVT_LIST_ITEM_DESELECTED, wxEVT_LIST_ITEM_FOCUSED}) {
@@ -22,23 +49,71 @@ void ListWindow::BindEvents() {
                [this](wxListEvent& event) { TakeCheck(event.GetIndex(), true); });
   native_.Bind(wxEVT_LIST_ITEM_UNCHECKED,
                [this](wxListEvent& event) { TakeCheck(event.GetIndex(), false); });
-  // The space when the key goes down, before the list makes something of it. Not every system's
-  // list toggles a box with it, so that is done here.
-  native_.Bind(wxEVT_KEY_DOWN, [this](wxKeyEvent& event) {
-    const bool space = event.GetKeyCode() == WXK_SPACE && !event.HasAnyModifiers();
-    if (!space) return event.Skip();
-    if (TakeKey(L' ')) return;
-    if (!list_.CheckBoxes()) return event.Skip();
-    Toggle(native_.GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_FOCUSED));
-  });
+  native_.Bind(wxEVT_KEY_DOWN, &ListWindow::OnKeyDown, this);
   native_.Bind(wxEVT_CHAR, [this](wxKeyEvent& event) {
     const auto key = static_cast<wchar_t>(event.GetUnicodeKey());
     if (key == WXK_NONE || key == L' ' || !TakeKey(key)) event.Skip();
+  });
+  native_.Bind(wxEVT_LIST_COL_END_DRAG, [this](wxListEvent& event) {
+    event.Skip();
+    dragged_.insert(event.GetColumn());
+  });
+  native_.Canvas().Bind(wxEVT_MOTION, [this](wxMouseEvent& event) {
+    event.Skip();
+    ShowWholeText(native_.ScreenToClient(native_.Canvas().ClientToScreen(event.GetPosition())));
   });
   native_.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     ShowLater();
   });
+}
+
+// A text that its column cuts off is the tool tip while the mouse is on it.
+void ListWindow::ShowWholeText(const wxPoint& mouse) {
+  wxString whole;
+  const long top = native_.GetTopItem();
+  wxRect row;
+  if (!list_.Items().empty() && native_.GetItemRect(top, row) && row.height > 0) {
+    const long item = top + (mouse.y - row.y) / row.height;
+    int left = row.x;
+    for (int column = 0; column < native_.GetColumnCount(); ++column) {
+      const int width = native_.GetColumnWidth(column);
+      if (mouse.x >= left && mouse.x < left + width) {
+        const wxString text = native_.CellText(item, column);
+        const auto place = static_cast<std::size_t>(column);
+        if (widths_.WidthOf(place, text.ToStdWstring()) > width) whole = text;
+        break;
+      }
+      left += width;
+    }
+  }
+  wxWindow& canvas = native_.Canvas();
+  if (canvas.GetToolTipText() == whole) return;
+  if (whole.empty()) {
+    canvas.UnsetToolTip();
+  } else {
+    canvas.SetToolTip(whole);
+  }
+}
+
+// The keys that the list needs before the window makes something of them.
+void ListWindow::OnKeyDown(wxKeyEvent& event) {
+  const int key = event.GetKeyCode();
+  if (list_.Items().empty() && MovesInList(key)) return;  // else the focus would leave the list
+  if (key == 'A' && event.GetModifiers() == wxMOD_CONTROL) {
+    native_.SetItemState(-1, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+    TakeSelection();
+    return;
+  }
+  if (key != WXK_SPACE || event.HasAnyModifiers()) return event.Skip();
+  // Not every system's list selects with it, or toggles a box, so both are done here.
+  const long item = native_.GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_FOCUSED);
+  if (item >= 0 && native_.GetSelectedItemCount() == 0) {
+    native_.SetItemState(item, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+  }
+  if (TakeKey(L' ')) return;
+  if (!list_.CheckBoxes()) return event.Skip();
+  Toggle(item);
 }
 
 // What was selected in the window since the last time goes to the list, and what was not.
@@ -70,7 +145,8 @@ void ListWindow::TakeCheck(long item, bool checked) {
   if (item < 0 || index >= list_.Items().size()) return;
   TakeSelection();
   Tell([&] { list_.Check(index, checked); });
-  ItemChanged(index);
+  // The page may have cleared the list for it.
+  if (index < list_.Items().size()) ItemChanged(index);
 }
 
 // Not every system's window knows which boxes are checked.

@@ -13,6 +13,7 @@
 #include "platform/wx/dialogs.h"
 #include "platform/wx/event_pump.h"
 #include "platform/wx/form_frame.h"
+#include "platform/wx/repeated_input.h"
 #include "platform/wx/work_gate.h"
 
 namespace wx_windows {
@@ -24,7 +25,8 @@ bool IsInput(const wxEvent& event) {
   return mouse != nullptr && mouse->IsButton();
 }
 
-// Keeps clicks and keys from the form while the program works, before any window sees them.
+// Keeps clicks and keys from the form while the program works, before any window sees them, and
+// always those that only repeat others.
 class Application final : public wxApp {
  public:
   explicit Application(const WorkGate& gate) : gate_(gate) { SetExitOnFrameDelete(false); }
@@ -33,6 +35,7 @@ class Application final : public wxApp {
   bool OnInit() override { return true; }
 
   int FilterEvent(wxEvent& event) override {
+    if (repeated_input_.Drops(event)) return Event_Processed;
     if (!gate_.Working() || !IsInput(event)) return Event_Skip;
     auto* const window = dynamic_cast<wxWindow*>(event.GetEventObject());
     // Not a dialog, which may well be the first window of all.
@@ -43,6 +46,7 @@ class Application final : public wxApp {
 
  private:
   const WorkGate& gate_;
+  RepeatedInput repeated_input_;
 };
 
 // What the toolkit finds wrong with its use is for the developer, not for the user.
@@ -136,9 +140,13 @@ int WindowSystem::Run(const std::function<bool()>& start) {
   }
   bool started = false;
   const bool whole = parts_->gate.Work([&] { started = start(); });
+  EndBusyCursor();
   if (!whole || !started) return parts_->gate.Ending() ? 0 : 1;
   // From now on: before, there was no window to click on.
-  parts_->gate.drop_input = [] { wxTheApp->Yield(true); };
+  parts_->gate.drop_input = [] {
+    wxTheApp->Yield(true);
+    EndBusyCursor();
+  };
   if (parts_->loaded) wxTheApp->OnRun();
   return 0;
 }

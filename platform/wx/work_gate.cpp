@@ -4,6 +4,8 @@
 #include <chrono>
 #include <exception>
 
+#include "platform/wx/scoped_value.h"
+
 namespace wx_windows {
 namespace {
 
@@ -16,14 +18,19 @@ constexpr std::chrono::milliseconds kLong{100};
 
 bool WorkGate::Work(const std::function<void()>& work) {
   if (working_) return false;
-  working_ = true;
-  const Clock::time_point begin = Clock::now();
-  const bool done = Guard(work);
-  if (drop_input && Clock::now() - begin > kLong) drop_input();
-  working_ = false;
+  if (before_work) before_work();
+  bool done = false;
+  {
+    const ScopedValue working(working_, true);
+    begin_ = Clock::now();
+    done = Guard(work);
+    if (drop_input && WorkingLong()) drop_input();
+  }
   if (after_work) after_work();
   return done;
 }
+
+bool WorkGate::WorkingLong() const { return working_ && Clock::now() - begin_ > kLong; }
 
 bool WorkGate::Guard(const std::function<void()>& code) {
   try {

@@ -1,6 +1,7 @@
 // Lets one piece of the program's work run at a time, whatever the user clicks meanwhile.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <utility>
 
@@ -16,6 +17,8 @@ class WorkGate {
   WorkGate(const WorkGate&) = delete;
   WorkGate& operator=(const WorkGate&) = delete;
 
+  // Is called before each piece of work.
+  std::function<void()> before_work;
   // Is called at the end of work that was long enough for the user to click or type meanwhile,
   // while that still counts as input during work.
   std::function<void()> drop_input;
@@ -25,6 +28,8 @@ class WorkGate {
   // Does a piece of work, unless one is running already. Whether it was done, to its end.
   bool Work(const std::function<void()>& work);
   bool Working() const { return working_; }
+  // Whether the work that is running is long enough for the user to wonder.
+  bool WorkingLong() const;
 
   // For what must be done even while the program works: only keeps its exceptions.
   bool Guard(const std::function<void()>& code);
@@ -53,6 +58,7 @@ class WorkGate {
   std::function<void()> end_work_;
   std::function<void()> report_error_;
   bool working_ = false;
+  std::chrono::steady_clock::time_point begin_;  // of the work
   bool ending_ = false;
   int dialogs_ = 0;
 };

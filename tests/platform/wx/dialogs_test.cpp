@@ -1,7 +1,9 @@
 // Message boxes.
 #include <wx/app.h>
 #include <wx/button.h>
+#include <wx/datetime.h>
 #include <wx/dialog.h>
+#include <wx/uiaction.h>
 
 #include "tests/platform/wx/window_test.h"
 
@@ -56,15 +58,39 @@ TEST_F(DialogsTest, MessageBeforeThereIsAFormCanBeClosed) {
   }));
 }
 
-TEST_F(DialogsTest, LongMessageFitsTheScreen) {
-  std::wstring text;
-  for (int line = 0; line < 500; ++line) text += L"A line of a long message\r\n";
+TEST_F(DialogsTest, HeldKeyThatBeganTheWorkDoesNotAnswer) {
   form.next.Click = [&] {
     InDialog([](wxDialog& dialog) {
-      EXPECT_LT(dialog.GetSize().y, wxGetDisplaySize().y / 2);
+      wxUIActionSimulator hand;
+      const auto end = wxDateTime::UNow() + wxTimeSpan::Seconds(1);
+      Wait([&] { return wxDateTime::UNow() > end; });
+      EXPECT_TRUE(dialog.IsShown());
+      hand.KeyUp(WXK_RETURN);
       Key(WXK_RETURN);
     });
-    windows.Prompt().ShowMessage(text, L"Orvane");
+    EXPECT_TRUE(windows.Prompt().AskYesNo(L"Shall I?", L"Orvane"));
+  };
+  Run([&] {
+    wxUIActionSimulator hand;
+    hand.KeyDown(WXK_RETURN);
+    Settle();
+  });
+}
+
+TEST_F(DialogsTest, LongMessageFitsTheScreen) {
+  std::wstring many_lines;
+  for (int line = 0; line < 500; ++line) many_lines += L"A line of a long message\r\n";
+  std::wstring path = L"Cannot open C:\\";
+  for (int folder = 0; folder < 60; ++folder) path += L"folder\\";
+  form.next.Click = [&] {
+    for (const std::wstring& text : {many_lines, path, std::wstring(400, L'W')}) {
+      InDialog([](wxDialog& dialog) {
+        EXPECT_LT(dialog.GetSize().y, wxGetDisplaySize().y / 2);
+        EXPECT_LT(dialog.GetSize().x, wxGetDisplaySize().x / 2);
+        Key(WXK_RETURN);
+      });
+      windows.Prompt().ShowMessage(text, L"Orvane");
+    }
   };
   Run([&] { Click(WindowOf<wxWindow>(form.next)); });
 }

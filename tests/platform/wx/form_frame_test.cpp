@@ -50,6 +50,30 @@ TEST_F(FormFrameTest, EnterIsTheDefaultButtonAndEscapeTheOther) {
   });
 }
 
+TEST_F(FormFrameTest, HeldKeyAndDoubleClickAreOnePress) {
+  Run([&] {
+    WindowOf<wxCheckBox>(box).SetFocus();
+    Hold(WXK_RETURN);
+    EXPECT_EQ(1, next);
+    Hold(WXK_ESCAPE);
+    EXPECT_EQ(1, cancel);
+    Hold(WXK_SPACE);
+    EXPECT_TRUE(box.Value());
+    for (const int key : {WXK_RETURN, WXK_SPACE}) {
+      next = 0;
+      WindowOf<wxWindow>(form.next).SetFocus();
+      Hold(key);
+      EXPECT_EQ(1, next) << key;
+    }
+    WindowOf<wxTextCtrl>(notes).SetFocus();
+    Hold(WXK_RETURN);
+    EXPECT_GT(notes.Text().size(), 4U) << "where it writes it repeats itself";
+    next = 0;
+    DoubleClick(WindowOf<wxWindow>(form.next));
+    EXPECT_EQ(1, next);
+  });
+}
+
 TEST_F(FormFrameTest, PageThatAppearsGetsTheFocusOnItsFirstControl) {
   form.page.SetVisible(false);
   form.next.Click = [this] {
@@ -59,6 +83,23 @@ TEST_F(FormFrameTest, PageThatAppearsGetsTheFocusOnItsFirstControl) {
   Run([&] {
     Click(WindowOf<wxWindow>(form.next));
     EXPECT_EQ(&WindowOf<wxWindow>(box), wxWindow::FindFocus());
+  });
+}
+
+TEST_F(FormFrameTest, FocusIsNotLostWithAButtonThatWorkDisables) {
+  bool again = true;
+  form.next.Click = [&] {
+    form.next.SetEnabled(false);
+    windows.EventPump().DoEvents();
+    form.next.SetEnabled(again);
+  };
+  Run([&] {
+    WindowOf<wxWindow>(form.next).SetFocus();
+    Key(WXK_SPACE);
+    EXPECT_EQ(&WindowOf<wxWindow>(form.next), wxWindow::FindFocus());
+    again = false;
+    Key(WXK_SPACE);
+    EXPECT_EQ(&WindowOf<wxWindow>(notes), wxWindow::FindFocus());
   });
 }
 

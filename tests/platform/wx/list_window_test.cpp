@@ -58,6 +58,38 @@ TEST_F(ListWindowTest, ManyItemsAddedDuringWorkAreThereAndTheLastCanBeSeen) {
   });
 }
 
+TEST_F(ListWindowTest, WideColumnGivesWayAndTellsItsWholeText) {
+  list.SetColumns({L"Date", L"Remark", L"Reason"});
+  const std::wstring whole(90, L'W');
+  list.AddItem({.text = L"today", .sub_items = {whole, L"no such product"}});
+  Run([&] {
+    wxListCtrl& native = NativeList(list);
+    const auto all = [&] {
+      return native.GetColumnWidth(0) + native.GetColumnWidth(1) + native.GetColumnWidth(2);
+    };
+    EXPECT_LE(all(), native.GetClientSize().x) << "the last column can be seen";
+    wxWindow& canvas = *native.GetChildren().GetFirst()->GetData();
+    wxRect row;
+    native.GetItemRect(0, row);
+    const int middle = row.y + row.height / 2;
+    Click(native, wxPoint(row.x + native.GetColumnWidth(0) + 30, middle));
+    EXPECT_EQ(wxString(whole), canvas.GetToolTipText());
+    Click(native, wxPoint(row.x + 30, middle));
+    EXPECT_EQ("", canvas.GetToolTipText());
+    // The user drags a column.
+    native.SetColumnWidth(0, 200);
+    wxListEvent dragged(wxEVT_LIST_COL_END_DRAG, native.GetId());
+    dragged.m_col = 0;
+    native.GetEventHandler()->ProcessEvent(dragged);
+    list.AddItem({.text = L"tomorrow"});
+    Settle();
+    EXPECT_EQ(200, native.GetColumnWidth(0));
+    list.SetColumns({L"Date", L"Text", L"Reason"});
+    Settle();
+    EXPECT_LT(native.GetColumnWidth(0), 200);
+  });
+}
+
 TEST_F(ListWindowTest, EmptyListSaysWhy) {
   list.SetEmptyText(L"Nothing & nobody");
   Run([&] {
@@ -91,6 +123,58 @@ TEST_F(ListWindowTest, ClickOnABoxIsAnEventAndSelectingIsNone) {
     Settle();
     EXPECT_EQ(0, native.GetSelectedItemCount()) << "what was selected is gone";
   });
+}
+
+TEST_F(ListWindowTest, KeysAloneReachEveryItemAndStayInTheList) {
+  std::vector<std::size_t> chosen;
+  list.KeyPress = [&](wchar_t key) {
+    if (key != L' ') return false;
+    chosen.clear();
+    for (std::size_t index = 0; index < list.Items().size(); ++index) {
+      if (list.Item(index).selected) chosen.push_back(index);
+    }
+    return true;
+  };
+  Run([&] {
+    NativeList(list).SetFocus();
+    const wxWindow* const focus = wxWindow::FindFocus();
+    for (const int key : {WXK_DOWN, WXK_UP, WXK_RIGHT, WXK_LEFT, WXK_PAGEDOWN, WXK_END, WXK_HOME}) {
+      Key(key);
+      EXPECT_EQ(focus, wxWindow::FindFocus()) << key;
+    }
+    for (int item = 0; item < 3; ++item) list.AddItem({.text = L"item"});
+    Settle();
+    Key(WXK_SPACE);
+    EXPECT_EQ(std::vector<std::size_t>{0}, chosen) << "the item in focus";
+    Key(WXK_DOWN);
+    Key(WXK_SPACE);
+    EXPECT_EQ(std::vector<std::size_t>{1}, chosen);
+    Key('A', wxMOD_CONTROL);
+    Key(WXK_SPACE);
+    EXPECT_EQ((std::vector<std::size_t>{0, 1, 2}), chosen);
+  });
+}
+
+TEST_F(ListWindowTest, PageMayClearTheListInItsEvents) {
+  for (int item = 0; item < 3; ++item) list.AddItem({.text = L"item"});
+  list.ItemCheck = [&](std::size_t) { list.Clear(); };
+  list.KeyPress = [&](wchar_t) {
+    list.Clear();
+    return false;
+  };
+  Run([&] {
+    wxListCtrl& native = NativeList(list);
+    wxRect place;
+    native.GetItemRect(2, place);
+    Click(native, wxPoint(place.x + 10, place.y + place.height / 2));
+    for (int item = 0; item < 3; ++item) list.AddItem({.text = L"item"});
+    Settle();
+    native.SetFocus();
+    Key(WXK_END);
+    Key(WXK_SPACE);
+    EXPECT_TRUE(list.Items().empty());
+  });
+  EXPECT_EQ(0, reported);
 }
 
 TEST_F(ListWindowTest, SpaceGoesToThePageWithTheSelectionAndElseToggles) {

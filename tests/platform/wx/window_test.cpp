@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::milliseconds kQuiet{150};
+constexpr std::chrono::milliseconds kHeld{850};
 constexpr std::chrono::milliseconds kSlice{5};
 
 // As the toolkit's main loop does. Not by yielding: work that yields in such a place would not.
@@ -90,9 +91,26 @@ void WindowTest::Click(const wxWindow& window, wxPoint at) {
   Settle();
 }
 
-void WindowTest::Key(int key) {
+void WindowTest::Key(int key, int modifiers) {
   wxUIActionSimulator hand;
-  hand.Char(key);
+  hand.Char(key, modifiers);
+  Settle();
+}
+
+void WindowTest::DoubleClick(const wxWindow& window) {
+  wxUIActionSimulator hand;
+  hand.MouseMove(window.ClientToScreen(wxPoint(10, 10)));
+  Settle();
+  hand.MouseDblClick();
+  Settle();
+}
+
+void WindowTest::Hold(int key) {
+  wxUIActionSimulator hand;
+  hand.KeyDown(key);
+  const auto end = std::chrono::steady_clock::now() + kHeld;
+  Wait([&] { return std::chrono::steady_clock::now() > end; });
+  hand.KeyUp(key);
   Settle();
 }
 

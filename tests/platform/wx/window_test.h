@@ -64,7 +64,10 @@ class WindowTest : public testing::Test {
 
   // The user's hands. `at`: where in the window, or in its middle.
   static void Click(const wxWindow& window, wxPoint at = wxDefaultPosition);
-  static void Key(int key);
+  static void DoubleClick(const wxWindow& window);
+  static void Key(int key, int modifiers = 0);
+  // Long enough for the key to repeat itself.
+  static void Hold(int key);
   static void TypeText(const char* text);
 
   TestForm form;

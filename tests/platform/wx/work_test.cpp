@@ -107,6 +107,42 @@ TEST_F(WorkTest, ClosingEndsWorkWhereItIsPermitted) {
   EXPECT_EQ(0, reported);
 }
 
+TEST_F(WorkTest, EndOfTheSessionEndsWorkThatMayNotBeClosedAndWaitsForAnAnswer) {
+  form.MayClose = [] { return false; };
+  bool answer = true;
+  form.next.Click = [&] {
+    Frame().CallAfter([this] { Frame().Close(true); });
+    answer = windows.Prompt().AskYesNo(L"Shall I?", L"Orvane");
+    EXPECT_FALSE(form.Unloaded());
+    windows.EventPump().DoEvents();
+    ADD_FAILURE() << "the work was not ended";
+  };
+  EXPECT_EQ(0, Run([&] { Click(WindowOf<wxWindow>(form.next)); }));
+  EXPECT_FALSE(answer);
+  EXPECT_TRUE(form.Unloaded());
+}
+
+TEST_F(WorkTest, LongWorkShowsTheBusyCursorExceptInADialog) {
+  form.next.Click = [&] {
+    windows.EventPump().DoEvents();
+    EXPECT_FALSE(wxIsBusy()) << "nobody sees short work";
+    WorkFor(std::chrono::milliseconds(200));
+    EXPECT_TRUE(wxIsBusy());
+    Frame().CallAfter([this] {
+      WorkFor(std::chrono::milliseconds(50));
+      EXPECT_FALSE(wxIsBusy());
+      Key(WXK_ESCAPE);
+    });
+    windows.Prompt().ShowMessage(L"Well", L"Orvane");
+    WorkFor(std::chrono::milliseconds(50));
+    EXPECT_TRUE(wxIsBusy());
+  };
+  Run([&] {
+    Click(WindowOf<wxWindow>(form.next));
+    EXPECT_FALSE(wxIsBusy());
+  });
+}
+
 TEST_F(WorkTest, ErrorsOfTheProgramAreReportedAndItGoesOn) {
   form.next.Click = [] { throw std::runtime_error("fault"); };
   Run([&] {
