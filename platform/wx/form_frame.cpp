@@ -132,7 +132,8 @@ void FormFrame::ColourHeader() {
   header_->SetBackgroundColour(background);
   header_->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
   for (wxWindow* const child : header_->GetChildren()) {
-    if (dynamic_cast<wxStaticLine*>(child) == nullptr) child->SetBackgroundColour(background);
+    wxWindow& part = *child;
+    if (dynamic_cast<wxStaticLine*>(&part) == nullptr) part.SetBackgroundColour(background);
   }
   header_->Refresh();
 }
