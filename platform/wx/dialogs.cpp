@@ -54,8 +54,8 @@ wxString BreakLongWords(wxWindow& window, const wxString& text, int width) {
       const auto over = std::upper_bound(ends.begin(), ends.end(), width);
       const auto most = std::max<std::size_t>(1, static_cast<std::size_t>(over - ends.begin()));
       const std::size_t separator = word.find_last_of("/\\", most - 1);
-      const bool near = separator != wxString::npos && separator >= most / 2;
-      const std::size_t piece = near ? separator + 1 : most;
+      const bool close_by = separator != wxString::npos && separator >= most / 2;
+      const std::size_t piece = close_by ? separator + 1 : most;
       broken += word.substr(0, piece) + '\n';
       word.erase(0, piece);
     }
