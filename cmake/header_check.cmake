@@ -1,6 +1,5 @@
 # Target header_check: compiles every header of the project alone, so that none leans on what its
-# users happen to include before it. Headers of another system are left out; the programs that contain
-# them are built elsewhere.
+# users happen to include before it. Headers of another system are left out.
 set(_system_folder "posix")
 if(WIN32)
   set(_system_folder "windows")
@@ -14,9 +13,6 @@ foreach(_header IN LISTS _headers)
   if(_header MATCHES "/(posix|windows)/" AND NOT _header MATCHES "/${_system_folder}/")
     continue()
   endif()
-  if(_header MATCHES "/wx/" AND NOT ORVPAP_WINDOWS)
-    continue()
-  endif()
   set(_unit "${CMAKE_BINARY_DIR}/header_check/${_header}.cpp")
   file(CONFIGURE OUTPUT "${_unit}" CONTENT "#include \"@_header@\"  // IWYU pragma: keep\n" @ONLY)
   list(APPEND _units "${_unit}")
@@ -26,8 +22,5 @@ if(_units)
   add_library(header_check OBJECT EXCLUDE_FROM_ALL ${_units})
   target_compile_features(header_check PRIVATE cxx_std_20)
   target_include_directories(header_check PRIVATE "${PROJECT_SOURCE_DIR}")
-  target_link_libraries(header_check PRIVATE project_warnings CLI11::CLI11 GTest::gmock)
-  if(ORVPAP_WINDOWS)
-    target_link_libraries(header_check PRIVATE wx_toolkit)
-  endif()
+  target_link_libraries(header_check PRIVATE project_warnings wx_toolkit CLI11::CLI11 GTest::gmock)
 endif()

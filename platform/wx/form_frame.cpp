@@ -49,6 +49,23 @@ void LeaveDialogs() {
   }
 }
 
+// Whether Alt with this key, a capital letter or a digit, is for this window.
+bool TakesAccessKey(const wxWindow& window, int key) {
+  if (!window.IsShown() || !window.IsEnabled()) return false;
+  const wxString label = window.GetLabel();
+  for (std::size_t at = label.find('&'); at + 1 < label.size(); at = label.find('&', at + 2)) {
+    if (label[at + 1] != '&') return wxToupper(label[at + 1]) == static_cast<wchar_t>(key);
+  }
+  return false;
+}
+
+bool TakesAccessKeyInside(const wxWindow& parent, int key) {
+  const wxWindowList& children = parent.GetChildren();
+  return std::any_of(children.begin(), children.end(), [key](const wxWindow* child) {
+    return child->IsShown() && (TakesAccessKey(*child, key) || TakesAccessKeyInside(*child, key));
+  });
+}
+
 }  // namespace
 
 FormFrame::FormFrame(controls::Form& form, WorkGate& gate, const wxIconBundle& icons)
@@ -254,9 +271,12 @@ void FormFrame::AfterWork() {
   KeepFocus();
 }
 
-// Work may have disabled or hidden what had the focus: the keyboard must not be lost for it.
+// Work may have disabled or hidden what had the focus: the keyboard must not be lost for it, nor be
+// on the button beside it, where some systems put it.
 void FormFrame::KeepFocus() {
-  if (!IsActive() || TakesFocus(FindFocus())) return;
+  if (!IsActive()) return;
+  const wxWindow* const focus = FindFocus();
+  if (TakesFocus(focus) && (focus == focus_before_ || focus_before_ == nullptr)) return;
   if (TakesFocus(focus_before_)) {
     focus_before_->SetFocus();
   } else {
@@ -290,9 +310,27 @@ void FormFrame::OnKey(wxKeyEvent& event) {
     Press(form_.CancelButton());
   } else if (enter && !event.HasAnyModifiers() && !EnterIsTaken()) {
     Press(form_.DefaultButton());
+  } else if (controls::Button* const button = ButtonOf(event); button != nullptr) {
+    Press(button);
   } else {
     event.Skip();
   }
+}
+
+// The form's own button with this access key. Windows looks for access keys only where the focus
+// is, and that is mostly on a page; those there go first.
+controls::Button* FormFrame::ButtonOf(const wxKeyEvent& event) {
+  if (event.GetModifiers() != wxMOD_ALT) return nullptr;
+  const int key = event.GetKeyCode();
+  for (const wxWindow* const page : root_.GetChildren()) {
+    if (page->IsShown() && TakesAccessKeyInside(*page, key)) return nullptr;
+  }
+  for (const controls::AnyControl control : form_.Controls()) {
+    controls::Button* const* const button = std::get_if<controls::Button*>(&control);
+    const wxWindow* const window = button != nullptr ? WindowOf(**button) : nullptr;
+    if (window != nullptr && TakesAccessKey(*window, key)) return *button;
+  }
+  return nullptr;
 }
 
 // Whether what has the focus makes something of Enter itself.
@@ -303,8 +341,13 @@ bool FormFrame::EnterIsTaken() const {
   return text != nullptr && text->IsMultiLine() && text->IsEditable();
 }
 
+// After the key's own event, which some systems tell at a place where no window can open.
 void FormFrame::Press(controls::Button* button) {
-  if (button != nullptr) gate_.Work([button] { button->Press(); });
+  if (button == nullptr || std::exchange(press_later_, true)) return;
+  CallAfter([this, button] {
+    press_later_ = false;
+    gate_.Work([button] { button->Press(); });
+  });
 }
 
 }  // namespace wx_windows

@@ -58,6 +58,7 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   void KeepFocus();
   void OnClose(wxCloseEvent& event);
   void OnKey(wxKeyEvent& event);
+  controls::Button* ButtonOf(const wxKeyEvent& event);
   bool EnterIsTaken() const;
   void Press(controls::Button* button);
 
@@ -76,6 +77,7 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   wxWindowRef focus_before_;      // what had the focus when the work began
   bool report_later_ = false;
   bool show_later_ = false;
+  bool press_later_ = false;
 };
 
 }  // namespace wx_windows

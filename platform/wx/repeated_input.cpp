@@ -16,6 +16,14 @@ constexpr long kQuickest = 100;
 // Between two clicks, where the system has no setting of its own.
 constexpr long kDoubleClick = 500;
 
+// Whether events tell that a held key repeats itself. Their times do not where they tell: there
+// some events have the time of the one before.
+#ifdef __WXMSW__
+constexpr bool kRepetitionIsTold = true;
+#else
+constexpr bool kRepetitionIsTold = false;
+#endif
+
 // Whether a key is up now for certain: not every system tells.
 bool IsUp(int key) {
 #ifdef __WXGTK__
@@ -52,13 +60,13 @@ bool RepeatedInput::Drops(const wxEvent& event) {
   return mouse != nullptr && IsSecondClick(*mouse);
 }
 
-// The toolkit's own answer to this is not set on every system. One press is several events of the
-// same time. That a key is let go may be told to nobody, where no window has the focus; and events
-// of a key that is held may wait until it is let go.
+// One press is several events of the same time. That a key is let go may be told to nobody, where
+// no window has the focus; and events of a key that is held may wait until it is let go.
 bool RepeatedInput::Repeats(const wxKeyEvent& key) {
   const wxEventType type = key.GetEventType();
   if (type == wxEVT_KEY_UP) down_.erase(key.GetKeyCode());
   if (type != wxEVT_CHAR_HOOK && type != wxEVT_KEY_DOWN) return false;
+  if (kRepetitionIsTold) return key.IsAutoRepeat();
   const long time = key.GetTimestamp();
   const auto [place, pressed] = down_.try_emplace(key.GetKeyCode(), Press{.time = time});
   Press& last = place->second;

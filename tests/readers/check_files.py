@@ -5,7 +5,8 @@
 
 After each update of the demo installation, applied one by one, the product table must pass
 `paptool check` and be the same in every reader (see compare_readers.py). The folder that
-ORVPAP_CHANGED_FILES names holds files without password that other tests changed; they are read too.
+ORVPAP_CHANGED_FILES names holds product tables, and databases without password, that other tests
+changed; they are read too.
 Where ORVPAP_SHARED names the folder of sample files, its files are read, and the demo's updates are
 applied to copies of its product tables. All of these are then compacted, and must be as before, no
 larger, and without anything that only a lenient reader lets pass. Exits with 1 when anything differs.
@@ -39,6 +40,7 @@ class Checks:
 
     def __init__(self, options):
         self.paptool = options.paptool.resolve()
+        self.name = self.paptool.name
         self.modules = options.modules
         self.failures = 0
 
@@ -163,9 +165,12 @@ def main():
         work = pathlib.Path(folder)
         updates = check_demo(checks, work)
         check_samples(checks, work, os.environ.get("ORVPAP_SHARED"), updates)
-        for changed in files_in(os.environ.get("ORVPAP_CHANGED_FILES"), "*.mdb"):
-            checks.check(changed, "", "--lenient")
-            checks.check_register(changed)
+        changed = os.environ.get("ORVPAP_CHANGED_FILES")
+        for database in files_in(changed, "*.mdb"):
+            checks.check(database, "", "--lenient")
+            checks.check_register(database)
+        for table in files_in(changed, "*.pt"):
+            checks.check(table, PASSWORD)
     return 1 if checks.failures else 0
 
 

@@ -1,6 +1,7 @@
 // A fresh, empty folder for one test.
 #include "tests/support/temporary_folder.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -42,6 +43,12 @@ std::string ReadAll(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw std::runtime_error("cannot read " + path.string());
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void KeepForOtherReaders(const std::filesystem::path& file, const std::string& name) {
+  if (const char* const folder = std::getenv("ORVPAP_CHANGED_FILES"))
+    std::filesystem::copy_file(file, std::filesystem::path(folder) / name,
+                               std::filesystem::copy_options::overwrite_existing);
 }
 
 }  // namespace test_support

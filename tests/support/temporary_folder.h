@@ -29,4 +29,8 @@ class TemporaryFolder {
 // All bytes of a file. Throws std::runtime_error when it cannot be read.
 std::string ReadAll(const std::filesystem::path& path);
 
+// Leaves a copy of a database file for the independent readers, in the folder that the variable
+// ORVPAP_CHANGED_FILES names; without it, does nothing.
+void KeepForOtherReaders(const std::filesystem::path& file, const std::string& name);
+
 }  // namespace test_support

@@ -29,7 +29,7 @@ class ClosingTest : public WindowWalk {
   void ExpectCleanEnd() const {
     EXPECT_THAT(Files(), testing::ElementsAre("Orv.pt", "paplog.txt", "program", "registry.reg",
                                               "welkom.txt"));
-    EXPECT_EQ(Setting(L"PTLocation"), "(none)") << "the choices are not stored";
+    EXPECT_EQ(Setting("PTLocation"), "(none)") << "the choices are not stored";
     ExpectSound();
   }
 };
@@ -117,7 +117,7 @@ TEST_F(ClosingTest, IsRefusedWhileFilesAreFetched) {
     EXPECT_TRUE(fs::exists(updates / "20260302_VELDHAVEN_PROFIEL.PRC"));
     OnWindows(ClickCloseBox);
   });
-  EXPECT_EQ(Setting(L"PTLocation"), "(none)");
+  EXPECT_EQ(Setting("PTLocation"), "(none)");
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ TEST_F(KeyboardTest, FromTheWelcomeToTheFinish) {
     Keys("Return");
   });
   EXPECT_THAT(Register(), testing::ElementsAre("20040315_VELDHAVEN_PLAAT.PRC"));
-  EXPECT_EQ(Setting(L"Backup"), "False");
+  EXPECT_EQ(Setting("Backup"), "False");
 }
 
 TEST_F(KeyboardTest, EscapeClosesTheWizard) {
@@ -64,7 +64,7 @@ TEST_F(KeyboardTest, EscapeClosesTheWizard) {
     AwaitStep(kTarget);
     Keys("Escape");
   });
-  EXPECT_EQ(Setting(L"PTLocation"), "(none)");
+  EXPECT_EQ(Setting("PTLocation"), "(none)");
 }
 
 }  // namespace

@@ -21,30 +21,27 @@ namespace fs = std::filesystem;
 
 using test_support::ReadAll;
 
-constexpr wchar_t kUserKey[] = L"Software\\Velkor Software\\Orvane\\3.2\\PAP32\\";
+constexpr char kUserKey[] = R"(Software\Velkor Software\Orvane\3.2\PAP32)";
 
 }  // namespace
 
-WindowWalk::WindowWalk()
-    : registry_([this] {
-        const fs::path file = installation / demo::kRegistryFile;
-        return registry::StoreLocation{.user = file, .machine = file};
-      }) {
+WindowWalk::WindowWalk() {
   // The installation copies the program that makes it; here any file will do.
   const fs::path program = folder.Write("bin/program", "");
   fs::copy(ORVPAP_LANG_FOLDER, folder / "bin/lang", fs::copy_options::recursive);
   demo::MakeInstallation(installation, program);
-  registry_.WriteText(registry::RootKey::kLocalMachine, kSettingsKey, L"PAPUPDATERLANGUAGE",
-                      L"english.lng");
-  settings_.strProgramFolder = files::ToText(installation);
-  settings_.objRegistry = &registry_;
+  settings_ = std::make_unique<Settings>(installation / demo::kRegistryFile);
+  settings_->Registry().WriteText(registry::RootKey::kLocalMachine, kSettingsKey,
+                                  L"PAPUPDATERLANGUAGE", L"english.lng");
+  shared_.strProgramFolder = files::ToText(installation);
+  shared_.objRegistry = &settings_->Registry();
   answer = [this](auto& peer, const std::string& head) {
     peer.Send(test_support::Response(Served(test_support::PathOf(head))));
   };
 }
 
 void WindowWalk::Walk(const std::function<void()>& script) {
-  const SharedSettingsScope scope(settings_);
+  const SharedSettingsScope scope(shared_);
   test_support::ScriptedServer server(answer);
   Play([&] { EXPECT_EQ(Main(server.Address()), 0); },
        [&] {
@@ -88,9 +85,8 @@ void WindowWalk::CheckOnly(const std::vector<std::size_t>& rows) {
   }
 }
 
-std::string WindowWalk::Setting(const wchar_t* name) const {
-  const auto value = registry_.Read(registry::RootKey::kCurrentUser, kUserKey, name);
-  return value ? text::WideToUtf8(std::get<std::wstring>(*value)) : "(none)";
+std::string WindowWalk::Setting(const std::string& name) const {
+  return settings_->UserText(kUserKey, name).value_or("(none)");
 }
 
 std::vector<std::string> WindowWalk::Register() const {
@@ -115,6 +111,8 @@ void WindowWalk::ExpectSound() const {
   jet::OpenOptions options;
   options.password = text::WideToUtf16(kProductTablePassword);
   EXPECT_THAT(jet::CheckFile(table, options).problems, testing::IsEmpty());
+  const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+  test_support::KeepForOtherReaders(table, std::string(test.name()) + ".pt");
 }
 
 }  // namespace walks

@@ -5,15 +5,16 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "app/modShared.h"
 #include "demo/installation.h"
 #include "platform/database/recordset.h"
-#include "platform/registry/posix/system_registry.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/walks/settings.h"
 #include "tests/walks/wx/robot.h"
 #include "tests/walks/wx/screen.h"
 
@@ -35,7 +36,7 @@ inline constexpr char kOk[] = "OK";
 inline constexpr char kBackup[] = "Make a backup before each price update";
 inline constexpr char kDoNotCheck[] = "Do not check";
 
-// The wizard starts, in English, in a new demo installation. Its settings file is the only thing
+// The wizard starts, in English, in a new demo installation. Its settings are the only thing
 // that it shares with an earlier run there.
 class WindowWalk : public testing::Test {
  protected:
@@ -59,12 +60,13 @@ class WindowWalk : public testing::Test {
   static void CheckOnly(const std::vector<std::size_t>& rows);
 
   // The installation afterwards.
-  std::string Setting(const wchar_t* name) const;
+  std::string Setting(const std::string& name) const;
   // The update files in the product table's register, in the order in which they
   // were applied.
   std::vector<std::string> Register() const;
   // The file names in the installation, without folders and programs.
   std::vector<std::string> Files() const;
+  // The product table passes the check of its file; the independent readers get a copy.
   void ExpectSound() const;
 
   test_support::TemporaryFolder folder;
@@ -78,8 +80,8 @@ class WindowWalk : public testing::Test {
  private:
   std::string Served(const std::string& path) const;
 
-  registry::FileRegistry registry_;
-  SharedSettings settings_;
+  std::unique_ptr<Settings> settings_;
+  SharedSettings shared_;
 };
 
 }  // namespace walks

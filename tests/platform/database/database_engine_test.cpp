@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
@@ -95,10 +94,7 @@ TEST(DatabaseEngineTest, ANewTableKeepsItsRulesThroughCompaction) {
   for (const auto& row : rows)
     EXPECT_EQ(ErrorNumber([&] { AddRow(connection, made.Name, row.values); }), row.number);
   connection.Close();
-  if (const char* const kept = std::getenv("ORVPAP_CHANGED_FILES"))
-    std::filesystem::copy_file(files::ToPath(compacted),
-                               std::filesystem::path(kept) / "compacted-register.mdb",
-                               std::filesystem::copy_options::overwrite_existing);
+  test_support::KeepForOtherReaders(files::ToPath(compacted), "compacted-register.mdb");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ namespace {
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::milliseconds kQuiet{150};
 constexpr std::chrono::milliseconds kHeld{850};
+constexpr std::chrono::milliseconds kBetweenClicks{60};  // of a double click
 constexpr std::chrono::milliseconds kSlice{5};
 
 // As the toolkit's main loop does. Not by yielding: work that yields in such a place would not.
@@ -101,7 +102,10 @@ void WindowTest::DoubleClick(const wxWindow& window) {
   wxUIActionSimulator hand;
   hand.MouseMove(window.ClientToScreen(wxPoint(10, 10)));
   Settle();
-  hand.MouseDblClick();
+  hand.MouseClick();
+  const auto again = std::chrono::steady_clock::now() + kBetweenClicks;
+  Wait([&] { return std::chrono::steady_clock::now() > again; });
+  hand.MouseClick();
   Settle();
 }
 
@@ -109,7 +113,12 @@ void WindowTest::Hold(int key) {
   wxUIActionSimulator hand;
   hand.KeyDown(key);
   const auto end = std::chrono::steady_clock::now() + kHeld;
-  Wait([&] { return std::chrono::steady_clock::now() > end; });
+  Wait([&] {
+#ifdef _WIN32  // where it is the keyboard that repeats a key, and there is none
+    hand.KeyDown(key);
+#endif
+    return std::chrono::steady_clock::now() > end;
+  });
   hand.KeyUp(key);
   Settle();
 }

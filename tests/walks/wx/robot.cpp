@@ -40,16 +40,23 @@ class Meeting {
     return ended_ ? Outcome::kEnded : Outcome::kNobodyCame;
   }
 
-  // On the windows' thread.
+  // On the windows' thread. Comes again in the middle of work that handles events.
   void Serve() {
-    const std::lock_guard lock(mutex_);
-    if (work_ == nullptr) return;
+    std::unique_lock lock(mutex_);
+    if (work_ == nullptr || serving_) return;
+    serving_ = true;
+    const std::function<void()>& work = *work_;
+    lock.unlock();
+    std::exception_ptr failure;
     try {
-      (*work_)();
+      work();
     } catch (...) {
-      failure_ = std::current_exception();
+      failure = std::current_exception();
     }
+    lock.lock();
+    failure_ = failure;
     work_ = nullptr;
+    serving_ = false;
     changed_.notify_all();
   }
 
@@ -69,6 +76,7 @@ class Meeting {
   std::condition_variable changed_;
   const std::function<void()>* work_ = nullptr;
   std::exception_ptr failure_;
+  bool serving_ = false;
   bool ended_ = false;
 };
 

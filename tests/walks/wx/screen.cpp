@@ -15,10 +15,10 @@
 #include <wx/textctrl.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <functional>
 #include <stdexcept>
 
+#include "tests/walks/keyboard.h"
 #include "tests/walks/wx/robot.h"
 
 namespace walks {
@@ -80,13 +80,25 @@ std::string Label(std::size_t number) {
   return number < all.size() ? Utf8(all[number]->GetLabelText()) : "";
 }
 
+// What a list asks for when it draws: not every system's can tell how it looks.
+class Asked : public wxListCtrl {
+ public:
+  using wxListCtrl::OnGetItemAttr;
+  using wxListCtrl::OnGetItemIsChecked;
+};
+bool IsChecked(const wxListCtrl& list, long row) { return (list.*&Asked::OnGetItemIsChecked)(row); }
+wxColour TextColour(const wxListCtrl& list, long row) {
+  const wxItemAttr* const look = (list.*&Asked::OnGetItemAttr)(row);
+  return look != nullptr && look->HasTextColour() ? look->GetTextColour() : wxColour();
+}
+
 std::vector<std::string> RowsOf(wxListCtrl& list) {
   const wxColour grey = wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT);
   std::vector<std::string> rows;
   for (int row = 0; row < list.GetItemCount(); ++row) {
     std::string line;
-    if (list.HasCheckBoxes()) line += list.IsItemChecked(row) ? "x " : "  ";
-    const wxColour colour = list.GetItemTextColour(row);
+    if (list.HasCheckBoxes()) line += IsChecked(list, row) ? "x " : "  ";
+    const wxColour colour = TextColour(list, row);
     if (colour == *wxRED) line += "!";
     if (colour == grey) line += "-";
     for (int column = 0; column < list.GetColumnCount(); ++column) {
@@ -242,7 +254,14 @@ void Switch(const std::string& check_box_or_option) {
 
 void Check(std::size_t row, bool checked) {
   AwaitRest();
-  OnWindows([&] { Last<wxListCtrl>().CheckItem(static_cast<long>(row), checked); });
+  OnWindows([&] {
+    wxListCtrl& list = Last<wxListCtrl>();
+    auto* const event = new wxListEvent(
+        checked ? wxEVT_LIST_ITEM_CHECKED : wxEVT_LIST_ITEM_UNCHECKED, list.GetId());
+    event->SetEventObject(&list);
+    event->m_itemIndex = static_cast<long>(row);
+    list.GetEventHandler()->QueueEvent(event);
+  });
   AwaitRest();
 }
 
@@ -258,9 +277,7 @@ void Keys(const std::string& keys) {
   // Without a window manager nobody else gives the keyboard to a window that has appeared.
   OnWindows([] { FrontWindow()->Raise(); });
   AwaitRest();
-  if (std::system(("xdotool key --delay 40 " + keys).c_str()) != 0) {
-    throw std::runtime_error("xdotool failed");
-  }
+  PressKeys(keys);
 }
 
 }  // namespace walks
