@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes pictures of the wizard as a Windows program, under Wine, each page with something real on it:
+# Makes the pictures of the user guide: the wizard as a Windows program, under Wine, each page with
+# something real on it:
 #
 #   tools/screenshots-windows.sh [FOLDER]     docs/images/windows by default
 #
@@ -34,8 +35,8 @@ install_demo() {
   under_wine reg import 'C:\settings.reg'
 }
 
-# A picture of the screen, when it looks the same for a while and other than before, and shows more
-# than an empty desktop.
+# A picture of what is on the desktop, when it looks the same for a while and other than before, and
+# is more than the empty desktop.
 shoot() {
   local now last=''
   while :; do
@@ -48,7 +49,7 @@ shoot() {
     sleep 1
   done
   shot=$now
-  mv "$work/now.png" "$1"
+  convert "$work/now.png" -trim +repage -define png:exclude-chunks=date,time "png8:$1"
 }
 
 if [[ ${1:-} != --on-display ]]; then

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the pictures of the user guide, each page of the wizard with something real on it:
+# Makes pictures of the wizard, as it looks on this system, each page with something real on it:
 #
 #   tools/screenshots.sh [FOLDER [LANGUAGE...]]     docs/images, and english and dutch, by default
 #
