@@ -36,20 +36,6 @@ TEST(DatabaseHeaderTest, SecurityIdsAreMaskedAsInRealFiles) {
   EXPECT_NE(Masked(NewHeader(u"secret"), account::kAdmin), "64 8B");
 }
 
-// What other programs look at before they unmask anything.
-TEST(DatabaseHeaderTest, NewHeaderHasThePlainFieldsInTheirPlaces) {
-  const DatabaseHeader header = NewHeader();
-  const ByteView page(header.bytes());
-  const auto hex = [&page](std::size_t at, std::size_t length) {
-    const auto bytes = page.Slice(at, length);
-    return ToHex(Bytes(bytes.begin(), bytes.end()));
-  };
-  EXPECT_EQ(hex(0, 0x18),
-            "00 01 00 00 53 74 61 6E 64 61 72 64 20 4A 65 74 20 44 42 00 01 00 00 00");
-  EXPECT_EQ(hex(0x98, 8), "54 06 00 00 34 2E 30 00");
-  for (std::size_t at = 0xe00; at < kPageSize; at += 2) ASSERT_EQ(hex(at, 2), "00 01");
-}
-
 // Page 0 with other bytes at one place.
 PageBytes HeaderWith(std::size_t at, std::string_view hex) {
   PageBytes page = NewHeader().bytes();

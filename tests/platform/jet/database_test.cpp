@@ -101,7 +101,6 @@ TEST(DatabaseTest, FilesNotFullyUnderstoodAreReadButNotChanged) {
   const auto map_row = [](TestDatabase& d) { return ByteView(d.disk().Page(1)).U16(14); };
   const Case cases[] = {
       {"repair", [](auto& d) { ByteEditor(d.disk().Page(0)).SetU16(0xe00 + 2 * 7, 0x0000); }},
-      {"repair", [](auto& d) { ByteEditor(d.disk().Page(0)).SetU16(0xe00 + 2 * 255, 0x0001); }},
       {"security ids", [](auto& d) { ForgeSecurityIds(d, u"MSysObjects", u"Owner"); }},
       {"secured", [](auto& d) { ForgeSecurityIds(d, u"MSysACEs", u"SID"); }},
       {"replication",

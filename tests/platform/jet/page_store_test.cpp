@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/platform/jet/test_database.h"
 #include "tests/support/file_protection.h"
 #include "tests/support/temporary_folder.h"
 
@@ -15,15 +16,12 @@ using test_support::TemporaryFolder;
 
 std::string Pages(std::size_t count) { return std::string(count * kPageSize, 'x'); }
 
-ErrorKind OpenError(const std::filesystem::path& path, OpenMode mode = OpenMode::kReadWrite) {
-  try {
-    OpenPageStore(path, mode);
-  } catch (const Error& error) {
-    EXPECT_THAT(error.names(), testing::ElementsAre(path.u16string()));
-    return error.kind();
-  }
-  ADD_FAILURE() << "opened " << path;
-  return ErrorKind::kIo;
+std::optional<ErrorKind> OpenError(const std::filesystem::path& path,
+                                   OpenMode mode = OpenMode::kReadWrite) {
+  const auto failure = FailureOf([&] { OpenPageStore(path, mode); });
+  if (!failure) return std::nullopt;
+  EXPECT_THAT(failure->names, testing::ElementsAre(path.u16string()));
+  return failure->kind;
 }
 
 TEST(PageStoreTest, ReadsWritesGrowsAndTruncates) {

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/platform/jet/definitions.h"
 #include "tests/platform/jet/memory_page_store.h"
 
 namespace jet::test {
@@ -125,12 +126,7 @@ TEST_P(PagerTest, RefusesWhatCannotBe) {
   EXPECT_THROW(pager->Edit(1), std::logic_error);
   disk->read_only = true;
   Open();
-  try {
-    PageTransaction transaction(*pager);
-    FAIL() << "a transaction on a file that is open for reading only";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.kind(), ErrorKind::kReadOnly);
-  }
+  EXPECT_EQ(KindOf([this] { PageTransaction transaction(*pager); }), ErrorKind::kReadOnly);
 }
 
 TEST(EncodedPagerTest, OnlyPageZeroIsPlainOnDisk) {

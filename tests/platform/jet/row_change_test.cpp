@@ -83,6 +83,12 @@ const Change kChanges[] = {
      [](TradeDatabase& d) {
        if (!d.HasArticle(503)) Add(d.articles(), Article(503));
      }},
+    {"insert a long value that makes the file grow",
+     [](TradeDatabase& d) {
+       Row row = Article(503);
+       row[3] = std::u16string(40000, u'n');
+       if (!d.HasArticle(503)) Add(d.articles(), row);
+     }},
     {"update keys and long values",
      [](TradeDatabase& d) {
        Row row = Article(602);

@@ -209,15 +209,6 @@ TEST(RowCodecTest, LongValueFieldsThatContradictThemselvesAreDamage) {
   EXPECT_EQ(kind_of_stored("02 00 00 80 00 00 00 00 00 00 00"), kDamaged);
 }
 
-TEST(RowCodecTest, ARowHasAtMost4060Bytes) {
-  // The article without its memo's text takes 47 bytes.
-  auto fields = ArticleLongValues();
-  fields[5] = Inline(Bytes(4060 - 47));
-  EXPECT_EQ(BuildRow(Articles(), kArticle, fields).size(), 4060u);
-  fields[5] = Inline(Bytes(4060 - 46));
-  EXPECT_EQ(KindOf([&] { BuildRow(Articles(), kArticle, fields); }), kRowTooLarge);
-}
-
 TEST(RowCodecTest, RowsThatContradictThemselvesAreDamage) {
   const TableDefinition table = Articles();
   const char* contradictory[] = {

@@ -53,7 +53,7 @@ void Delete(StorageFile& file, RowId id) {
   Commit(file, [&](RowStore& rows) { rows.Delete(id); });
 }
 
-// The page of docs/jet_format.md, "Data pages".
+// The page of docs/jet_format.md, "Data pages", but for its owner.
 TEST(RowStoreTest, WritesTheWorkedPageOfTheDocument) {
   StorageFile file;
   for (const char* row : {"02 00 0A 00 00 00 03", "02 00 0B 00 00 00 03", "02 00 0C 00 00 00 03"})
@@ -63,7 +63,7 @@ TEST(RowStoreTest, WritesTheWorkedPageOfTheDocument) {
   Replace(file, {7, 2}, Bytes(100, std::byte{0x22}));
   const PageBytes& page = file.disk().Page(7);
   EXPECT_EQ(ToHex(Bytes(page.begin(), page.begin() + 22)),
-            "01 01 1D 00 40 9C 00 00 00 00 00 00 04 00 F9 0F F9 CF F5 4F 33 00");
+            "01 01 1D 00 04 00 00 00 00 00 00 00 04 00 F9 0F F9 CF F5 4F 33 00");
   EXPECT_EQ(ToHex(Bytes(page.end() - 11, page.end())), "00 08 00 00 02 00 0A 00 00 00 03");
   EXPECT_EQ(file.disk().Page(8)[15], std::byte{0x8f}) << "the moved row is a hidden one";
 }
@@ -206,6 +206,7 @@ TEST(RowStoreTest, EmptiedPagesGoButForTheFirst) {
     rows.Delete({9, 0});
     rows.Insert(TestBytes(5, 3900));
   });
+  EXPECT_EQ(Contents(file), (Model{{RowId{9, 1}, TestBytes(5, 3900)}}));
   EXPECT_THAT(file.Faults(), IsEmpty());
 }
 

@@ -1,11 +1,12 @@
 // A file of nothing but storage: global maps, one page of usage maps, and what a test puts there.
 #pragma once
 
+#include <functional>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "platform/jet/check_state.h"
 #include "platform/jet/pager.h"
 #include "platform/jet/row_store.h"
 #include "platform/jet/usage_map.h"
@@ -14,12 +15,12 @@
 
 namespace jet::test {
 
-// Page 0 and pages 2 to 5 are empty, page 1 has the global maps, page 6 four usage maps; the free
-// pages begin behind it.
+// Page 1 has the global maps, page 4 the definition of a table, page 6 its four usage maps; the
+// other pages up to there are empty, and the free pages begin behind it.
 class StorageFile {
  public:
   static constexpr PageNumber kFirstFreePage = 7;
-  static constexpr PageNumber kTable = 40000;  // an owner's name; no such page need exist
+  static constexpr PageNumber kTable = 4;
   static constexpr RowPointer kOwned{6, 0};
   static constexpr RowPointer kWithRoom{6, 1};
   static constexpr RowPointer kValuesOwned{6, 2};
@@ -43,9 +44,12 @@ class StorageFile {
     return {*pager_, *allocator_, at, kind};
   }
 
-  // What is wrong with maps, slots and overflow rows, one line each; read from the disk's bytes by
-  // code of its own. `leaks` says whether pages that are neither owned nor free count.
+  // What the engine's file check finds wrong with maps, slots and overflow rows. `leaks` says
+  // whether what it only notes counts, such as pages that are neither owned nor free.
   std::vector<std::string> Faults(bool leaks = true) const;
+  // The same for a file whose pages behind the maps `check` looks at.
+  std::vector<std::string> Faults(bool leaks,
+                                  const std::function<void(check::State&)>& check) const;
 
  private:
   std::shared_ptr<MemoryDisk> disk_;

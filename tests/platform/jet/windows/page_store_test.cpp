@@ -5,6 +5,7 @@
 
 #include <fstream>
 
+#include "tests/platform/jet/definitions.h"
 #include "tests/support/temporary_folder.h"
 
 namespace jet::test {
@@ -15,13 +16,7 @@ TEST(WindowsPageStoreTest, AHeldLockFileMeansInUse) {
   const auto path = folder.Write("a.mdb", std::string(3 * kPageSize, 'x'));
   {
     const std::ofstream holder(folder / "a.ldb");
-    ErrorKind kind = ErrorKind::kIo;
-    try {
-      OpenPageStore(path, OpenMode::kReadWrite);
-    } catch (const Error& error) {
-      kind = error.kind();
-    }
-    EXPECT_EQ(kind, ErrorKind::kInUse);
+    EXPECT_EQ(KindOf([&] { OpenPageStore(path, OpenMode::kReadWrite); }), ErrorKind::kInUse);
   }
   EXPECT_NE(OpenPageStore(path, OpenMode::kReadWrite), nullptr);
   EXPECT_TRUE(std::filesystem::exists(folder / "a.ldb"));
