@@ -39,6 +39,7 @@ tests/readers/install.sh build/readers
 programs=build/$preset/bin
 if [[ $preset == windows ]]; then
   programs=build/debug/bin
+  tests/end_to_end/shipped_program.sh build/windows/orvpap-*-windows.zip
   cmake --preset debug
   cmake --build --preset debug -j "$(nproc)" --target paptool
   python3 tests/readers/check_exchange.py --paptool "$programs/paptool" --modules build/readers \

@@ -12,13 +12,15 @@ constexpr wchar_t kSeparatorLine[] = L"=========================";
 
 clsLogfile::~clsLogfile() { EndLog(); }
 
-void clsLogfile::StartLog(const std::wstring& vPath) {
+bool clsLogfile::StartLog(const std::wstring& vPath) {
   try {
     m_stream.emplace(files::ToPath(vPath));
     m_stream->WriteLine(kSeparatorLine);
     m_stream->Flush();
+    return true;
   } catch (...) {
     ShowErrorMessage(L"StartLog");
+    return false;
   }
 }
 

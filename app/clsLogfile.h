@@ -16,9 +16,9 @@ class clsLogfile {
   clsLogfile(const clsLogfile&) = delete;
   clsLogfile& operator=(const clsLogfile&) = delete;
 
-  // Starts the log at `vPath` over with a separator line; what the file held is gone. An error is
-  // reported, and nothing is logged then.
-  void StartLog(const std::wstring& vPath);
+  // Starts the log at `vPath` over with a separator line; what the file held is gone. False after
+  // the report of an error; nothing is logged then.
+  bool StartLog(const std::wstring& vPath);
 
   // Writes one line, exactly as given. Errors are ignored, and so are lines without an open log.
   void WriteLog(const std::wstring& vText);

@@ -8,6 +8,7 @@
 #include "app/modShared.h"
 #include "embedded/kProgramIcon.h"
 #include "platform/files/paths.h"
+#include "platform/files/standard_streams.h"
 #include "platform/wx/window_system.h"
 #include "wizard/frmOrvPap.h"
 
@@ -25,6 +26,7 @@ constexpr std::int32_t kReadOnlyFile = 1043;
 }  // namespace
 
 int Main(const std::wstring& vServer) {
+  files::ReserveStandardStreams();
   wx_windows::WindowSystem windows(
       {.name = kProgramName,
        .icon = kProgramIcon,

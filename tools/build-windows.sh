@@ -32,7 +32,8 @@ cp -r lang "$folder/lang"
 for text in LEESMIJ README; do
   grep -qF "$version" "resources/windows/$text.txt" ||
     { echo "resources/windows/$text.txt is of another version." >&2; exit 1; }
-  sed 's/$/\r/' "resources/windows/$text.txt" >"$folder/$text.txt"
+  # Without the mark at its front a text would be taken for one in the machine's own code page.
+  (printf '\xef\xbb\xbf'; sed 's/$/\r/' "resources/windows/$text.txt") >"$folder/$text.txt"
 done
 
 for program in "$folder"/*.exe; do

@@ -44,6 +44,7 @@ requirements() {
       echo "/usr/lib/wine/wine64 wine64"
       echo "/usr/share/wine/fonts/marlett.ttf fonts-wine"
       echo "Xvfb xvfb"
+      echo "xdotool xdotool"
       ;;
     bench)
       echo "/usr/include/benchmark/benchmark.h libbenchmark-dev"

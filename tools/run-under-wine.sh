@@ -36,6 +36,8 @@ mkdir -p "$WINEPREFIX"
   flock 9
   if [[ ! -e $WINEPREFIX/ready ]]; then
     "$wine" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+    # While these services stay, no window is seen.
+    wineserver -w </dev/null >/dev/null 2>&1 9>&-
     touch "$WINEPREFIX/ready"
   fi
   if [[ $display == no ]] && wineserver -p30 </dev/null >/dev/null 2>&1 9>&-; then

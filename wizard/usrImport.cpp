@@ -32,6 +32,9 @@ constexpr std::int32_t kUpdate = 59;
 constexpr std::int32_t kMessageColumn = 1007;
 constexpr std::int32_t kDetailColumn = 1008;
 constexpr std::int32_t kCopy = 1030;
+// "%s" stands for the files, one a line.
+constexpr std::int32_t kFailedBackups = 1071;
+constexpr std::int32_t kSilentFailures = 1072;
 }  // namespace ImportPageTexts
 
 // The label is told of records no more often than anybody can see.
@@ -166,6 +169,7 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
     m_errors = 0;
     m_silentFailures.clear();
     m_failedBackups.clear();
+    m_logged = false;
     setupLanguage();
     RaiseEvent(SetStepText, StepText(LanguageText(ImportPageTexts::kTitle)));
     lvResults.Clear();
@@ -177,7 +181,7 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
     RefuseLogOver(vPtFile);
     for (const auto& orv_pap : vColOrvPap) RefuseLogOver(orv_pap->FilePath);
     m_log = std::make_unique<clsLogfile>();
-    m_log->StartLog(LogPath());
+    m_logged = m_log->StartLog(LogPath());
     if (!CheckProductTable(vPtFile)) return false;
     ProductConnection.reset();  // each update opens it for itself
 
@@ -190,6 +194,7 @@ bool usrImport::StartImport(const std::wstring& vPtFile,
     }
     lblProgress.SetCaption(L"");
     ShowFirstError();
+    TellShortcomings();
     RaiseEvent(AanzettenVolgende, true);
     RaiseEvent(AanzettenVorige, true);
     return m_errors == 0;
@@ -221,12 +226,31 @@ void usrImport::ApplyUpdate(const std::wstring& vPtFile, bool vMakeBackup) {
     const std::wstring name = BackupName(*tmpOrvPap);
     const std::wstring path = FolderOf(vPtFile) + name;
     if (!StaysInFolder(name) || !CopyPapFile(vPtFile, path)) m_failedBackups.push_back(path);
+    // Whatever became of it.
     tmpOrvPap_ShowListMessage(LanguageText(ImportPageTexts::kBackup), path, true, false);
   }
   const std::size_t errors = m_errors;
   const bool result = tmpOrvPap->UpdatePT(vPtFile);
-  if (!result && m_errors == errors) m_silentFailures.push_back(tmpOrvPap->FilePath);
-  SetPapProcessed(vPtFile, *tmpOrvPap, result);
+  const bool recorded = SetPapProcessed(vPtFile, *tmpOrvPap, result);
+  if ((!result && m_errors == errors) || !recorded) m_silentFailures.push_back(tmpOrvPap->FilePath);
+}
+
+bool usrImport::Complete() const {
+  return m_logged && m_silentFailures.empty() && m_failedBackups.empty();
+}
+
+// What the list does not tell, or tells as if it were well.
+void usrImport::TellShortcomings() const {
+  for (const auto& [text, files] :
+       {std::pair(ImportPageTexts::kFailedBackups, &m_failedBackups),
+        std::pair(ImportPageTexts::kSilentFailures, &m_silentFailures)}) {
+    if (files->empty()) continue;
+    std::wstring lines;
+    for (const std::wstring& file : *files) lines += (lines.empty() ? L"" : L"\r\n") + file;
+    const std::wstring message =
+        text::ReplaceAll(Shared().objLanguage->GetMessageText(text), L"/p", L"\r\n\r\n");
+    ShowMessage(text::ReplaceAll(message, L"%s", lines), L"");
+  }
 }
 
 // Of the update in hand: its position, its name and the record that its step has come to.

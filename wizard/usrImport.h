@@ -47,12 +47,12 @@ class usrImport final : public controls::Page {
   bool StartImport(const std::wstring& vPtFile,
                    const std::vector<std::shared_ptr<clsOrvPap>>& vColOrvPap, bool vMakeBackup);
 
-  // The files of the last run's updates that were not applied whole without any message that is an
-  // error: because the product table was taken by somebody else meanwhile, or because there is no
-  // link of assortment and supplier to take the dates.
-  const std::vector<std::wstring>& SilentFailures() const { return m_silentFailures; }
-  // The backups of the last run that could not be made. The list shows them like the others.
-  const std::vector<std::wstring>& FailedBackups() const { return m_failedBackups; }
+  // Whether the last run also did everything that its result says nothing of: every backup was
+  // made, every update recorded in the register or withdrawn from it, the log begun; and no update
+  // failed without a message that is an error, because the product table was taken by somebody else
+  // meanwhile, or because there is no link of assortment and supplier to take the dates. A message
+  // box has told what was not.
+  bool Complete() const;
 
  private:
   class UpdateInHand;
@@ -63,6 +63,7 @@ class usrImport final : public controls::Page {
 
   void ShowProgress();
   void ShowFirstError();
+  void TellShortcomings() const;
 
   void tmpOrvPap_ProgressInit(std::int32_t vMax);
   void tmpOrvPap_ProgressCurrent(std::int32_t vCurrent);
@@ -72,8 +73,9 @@ class usrImport final : public controls::Page {
 
   std::chrono::steady_clock::time_point m_told{};  // when the label was shown last
   std::size_t m_errors = 0;                        // messages of this run that were errors
-  std::vector<std::wstring> m_silentFailures;
+  std::vector<std::wstring> m_silentFailures;      // updates that the list says nothing bad of
   std::vector<std::wstring> m_failedBackups;
+  bool m_logged = false;
   std::unique_ptr<clsLogfile> m_log;     // while updates are applied
   std::shared_ptr<clsOrvPap> tmpOrvPap;  // the update in hand; its events come to this page
 };

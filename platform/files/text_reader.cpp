@@ -17,9 +17,9 @@ bool EndsLine(char byte) { return byte == '\r' || byte == '\n'; }
 }  // namespace
 
 TextReader::TextReader(const std::filesystem::path& path) : buffer_(kBufferSize) {
-  // Opening a folder would succeed on some systems and fail only at the first read.
+  // A folder could be opened on some systems, and a pipe or a device be read for ever.
   std::error_code ignored;
-  if (!std::filesystem::is_directory(path, ignored)) file_.open(path, std::ios::binary);
+  if (std::filesystem::is_regular_file(path, ignored)) file_.open(path, std::ios::binary);
   if (!file_.is_open()) throw OpenError(path, true);
 }
 

@@ -1,7 +1,9 @@
 // Reads an update file of any bytes, header and sections, and writes what was read as a file again.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 
 #include "app/modShared.h"
@@ -15,8 +17,13 @@
 
 namespace {
 
-// The splitter turns for ever on a line whose first quoted field is not closed; this ends it.
-constexpr int kMostTurns = 20000;
+// The splitter turns for ever on a line whose first quoted field is not closed. Otherwise there is
+// one turn a line and a few more.
+int MostTurns(std::span<const std::uint8_t> data) {
+  constexpr std::ptrdiff_t kOthers = 100;
+  const auto ends_line = [](std::uint8_t byte) { return byte == '\r' || byte == '\n'; };
+  return static_cast<int>(std::ranges::count_if(data, ends_line) + kOthers);
+}
 
 }  // namespace
 
@@ -27,8 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::filesystem::create_directories(folder / "written");
 
   test_support::ScriptedEventPump pump;
-  pump.meanwhile = [&pump] {
-    if (pump.calls > kMostTurns) throw ProcessEnding{};
+  pump.meanwhile = [&pump, most = MostTurns({data, size})] {
+    if (pump.calls > most) throw ProcessEnding{};
   };
   test_support::RecordingPrompt prompt;
   SharedSettings settings;

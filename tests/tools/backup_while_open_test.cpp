@@ -11,7 +11,8 @@ namespace {
 using testing::HasSubstr;
 
 constexpr char kUpdate[] =
-    "[VERSION]\r\n3.2\r\n[ASSORTMENTCODE]\r\nBEAMS\r\n[SUPPLIERCODE]\r\nS1\r\n"
+    "[VERSION]\r\n3.2\r\n[ASSORTMENTCODE]\r\nBEAMS\r\n[ASSORTMENTDESCRIPTION]\r\nBeams\r\n"
+    "[SUPPLIERCODE]\r\nS1\r\n[SUPPLIERDESCRIPTION]\r\nFirst\r\n"
     "[NEW SUPPLIER]\r\nS1,First,1,2\r\n\r\n[NEW ASSORTMENT]\r\nBEAMS,Beams,1,1,True,True,0,\r\n\r\n"
     "[NEW ASSSUPPL]\r\nBEAMS,S1,1\r\n";
 

@@ -19,6 +19,7 @@ TEST_F(CommandLineTest, EveryCommandExplainsItself) {
       {{"apply", "--help"}, "--language"},
       {{"tables", "-h"}, "--password"},
       {{"demo", "--help"}, "--force"},
+      {{"--version"}, "paptool "},
   };
   for (const auto& c : cases) {
     const ProgramOutcome outcome = Run(c.arguments);
@@ -34,7 +35,8 @@ TEST_F(CommandLineTest, WrongUsageIsRefusedWithTwo) {
     const char* error;
   } cases[] = {
       {{}, "`paptool --help`"},
-      {{"aply"}, "aply"},
+      {{"aply"}, "no command aply"},
+      {{"-x"}, "no option -x"},
       {{"tables"}, "--table is required"},
       {{"tables", "--tabel", "x"}, "`paptool tables --help`"},
       {{"tables", "--table", "x", "y"}, "y"},
@@ -54,5 +56,16 @@ TEST_F(CommandLineTest, WrongUsageIsRefusedWithTwo) {
     EXPECT_THAT(outcome.err, HasSubstr("--help` tells how it is used."));
   }
 }
+
+#ifdef _WIN32  // elsewhere the shell does it
+TEST_F(CommandLineTest, APatternStandsForItsFiles) {
+  for (const char* name : {"b.PRC", "a.PRC", "c.PRC_old", "d.txt"}) folder.Write(name, "");
+  EXPECT_THAT(
+      Lines(Run({"show", Path("*.prc")}).out),
+      testing::AllOf(testing::Contains(HasSubstr("a.PRC")), testing::Contains(HasSubstr("b.PRC")),
+                     testing::Not(testing::Contains(HasSubstr("c.PRC_old")))));
+  EXPECT_THAT(Run({"show", Path("*.none")}).err, HasSubstr("*.none"));
+}
+#endif
 
 }  // namespace

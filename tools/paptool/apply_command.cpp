@@ -58,7 +58,9 @@ bool LoadLanguage(language::LanguageProvider& provider, const std::string& file)
           name.empty()
               ? L"the folder lang with the program's texts is missing: put it beside paptool."
               : L"cannot read the language file " + name +
-                    L": name a file, or one of the folder lang such as english.lng.");
+                    (files::FileExists(name)
+                         ? L", or lang/dutch.lng beside paptool, which every language needs."
+                         : L": name a file, or one of the folder lang such as english.lng."));
       return false;
   }
 }
@@ -108,7 +110,7 @@ void WarnOfEndlessLines(const std::wstring& path) {
   }
 }
 
-// Prints the page's list line by line, at the moments at which a window would show it.
+// Prints the page's list at the moments at which a window would show it.
 class ListPrinter final : public controls::EventPump {
  public:
   explicit ListPrinter(const controls::ListView& list) : list_(list) {}
@@ -120,6 +122,7 @@ class ListPrinter final : public controls::EventPump {
       PrintLine((item.colour == controls::kRed ? L"! " : L"") + OneLine(item.text) + L'\t' +
                 OneLine(item.sub_items.front()));
     }
+    static_cast<void>(FlushOutput());  // what fails here still fails in the end
   }
 
  private:
@@ -159,13 +162,7 @@ int Apply(const ApplyOptions& options) {
   ListPrinter printer(page.lvResults);
   settings.objEventPump = &printer;
   const bool done = page.StartImport(product_table, updates, !options.no_backup);
-  for (const std::wstring& backup : page.FailedBackups()) {
-    PrintError(L"this backup could not be made: " + backup);
-  }
-  for (const std::wstring& update : page.SilentFailures()) {
-    PrintError(L"not applied, or not all of it: " + update);
-  }
-  return done && page.SilentFailures().empty() ? kDone : kFailed;
+  return done && page.Complete() ? kDone : kFailed;
 }
 
 }  // namespace
@@ -189,10 +186,11 @@ void AddApplyCommand(CLI::App& app, Work& work) {
       ->check(PathProblem);
   command->footer(
       "Prints a line a message: message, tab, detail. A line that begins with \"! \" is an error,\n"
-      "such as a record that was refused. Then, or when an update was not applied whole (which\n"
-      "standard error tells), the exit status is 1. It is 2 when nothing was tried. The product\n"
-      "table is changed in place. The copy made before each update lies beside\n"
-      "it, named from the update's assortment, supplier and date.");
+      "such as a record that was refused. Then, or when an update was not applied whole or not\n"
+      "recorded as processed, or a backup or the log could not be made (which standard error\n"
+      "tells), the exit status is 1. It is 2 when nothing was tried. The product table is changed\n"
+      "in place. The copy made before each update lies beside it, named from the update's\n"
+      "assortment, supplier and date.");
   command->callback([&work, options] { work = [options] { return Apply(*options); }; });
 }
 

@@ -9,15 +9,16 @@
 
 namespace paptool {
 
-// The arguments in UTF-8, without the program's name.
+// The arguments in UTF-8, without the program's name; patterns of file names are replaced by the
+// files where the system leaves that to programs.
 std::vector<std::string> Arguments(int argc, const char* const* argv);
 
 // The file of the running program, links resolved. Throws text::RuntimeError when the system does
 // not tell.
 std::filesystem::path ProgramFile();
 
-// Makes standard output and error take UTF-8 as it is, line ends included. Call it before any
-// output.
+// Makes standard output and error take UTF-8 as it is, line ends included, and survive a reader
+// that goes away. Call it before any output.
 void PrepareOutput();
 
 // Write a line as it is: to standard output, to standard error, and there with "paptool: " in

@@ -63,7 +63,9 @@ void AddDemoCommand(CLI::App& app, Work& work) {
       ->check(PathProblem);
   command->add_flag("--force", options->force,
                     "Replace a product table that is in the folder already");
-  command->footer("Puts this program there too, so that the folder runs by itself.");
+  command->footer(
+      "Puts the programs there too, so that the folder runs by itself. On Windows the settings\n"
+      "come from the registry: `reg import registry.reg`, as administrator, puts them there.");
   command->callback([&work, options] { work = [options] { return Demo(*options); }; });
 }
 

@@ -5,6 +5,7 @@
 #include <ios>
 #include <optional>
 
+#include "platform/files/standard_streams.h"
 #include "platform/text/code_page.h"
 #include "platform/text/runtime_error.h"
 #include "tools/paptool/commands.h"
@@ -23,6 +24,8 @@ std::wstring Advice(std::int32_t number) {
       return L" Give the right one with --password.";
     case 3045:  // in use
       return L" Close the program that has it open.";
+    case 3051:  // opened exclusively by somebody else, or no permission
+      return L" Is it a file, and may you read and write it and its folder?";
     case 3078:  // no such table
     case 3112:  // a system table
       return L" `paptool tables` lists the tables there are.";
@@ -44,9 +47,11 @@ std::optional<int> Parse(CLI::App& app, std::vector<std::string> arguments) {
   }
 }
 
-bool IsCommand(CLI::App& app, const std::string& name) {
+// Whether a command line may begin with this.
+bool IsKnown(CLI::App& app, const std::string& first) {
+  if (first.starts_with('-')) return app.get_option_no_throw(first) != nullptr;
   return !app.get_subcommands(
-                 [&name](const CLI::App* command) { return command->get_name() == name; })
+                 [&first](const CLI::App* command) { return command->get_name() == first; })
               .empty();
 }
 
@@ -54,6 +59,7 @@ int Run(const std::vector<std::string>& arguments) {
   CLI::App app("Brings price updates into an Orvane product table, and looks into both.",
                "paptool");
   app.allow_windows_style_options(false);  // a path may begin with "/"
+  app.set_version_flag("--version", "paptool " ORVPAP_VERSION);
   app.require_subcommand(1);
   app.footer("Every command has --help. Exit status: 0 done, 1 not wholly done, 2 wrong usage.");
   app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
@@ -73,10 +79,10 @@ int Run(const std::vector<std::string>& arguments) {
   AddDemoCommand(app, work);
   AddServeCommand(app, work);
 
-  if (!arguments.empty() && !arguments.front().starts_with('-') &&
-      !IsCommand(app, arguments.front())) {
-    PrintError(L"there is no command " + text::Utf8ToWide(arguments.front()) +
-               L"; `paptool --help` tells how it is used.");
+  if (!arguments.empty() && !IsKnown(app, arguments.front())) {
+    const bool is_option = arguments.front().starts_with('-');
+    PrintError((is_option ? L"there is no option " : L"there is no command ") +
+               text::Utf8ToWide(arguments.front()) + L"; `paptool --help` tells how it is used.");
     return kWrongUsage;
   }
   if (const std::optional<int> status = Parse(app, arguments)) return *status;
@@ -86,6 +92,7 @@ int Run(const std::vector<std::string>& arguments) {
 // The exit status.
 int Main(int argc, const char* const* argv) {
   try {
+    files::ReserveStandardStreams();
     std::ios::sync_with_stdio(false);  // quicker; all output goes through streams
     PrepareOutput();
     int status = Run(Arguments(argc, argv));

@@ -1,6 +1,8 @@
 // Arguments and output are UTF-8 already; the kernel knows the program's file.
 #include "tools/paptool/console.h"
 
+#include <csignal>
+
 #include "platform/files/file_error.h"
 
 namespace paptool {
@@ -16,6 +18,7 @@ std::filesystem::path ProgramFile() {
   return file;
 }
 
-void PrepareOutput() {}
+// A reader that has gone away ends the output and not the program, which may be writing a database.
+void PrepareOutput() { std::signal(SIGPIPE, SIG_IGN); }
 
 }  // namespace paptool

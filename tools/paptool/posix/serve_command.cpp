@@ -125,7 +125,9 @@ void AddServeCommand(CLI::App& app, Work& work) {
   CLI::App* command =
       app.add_subcommand("serve", "Be a download server for a folder of update files");
   auto options = std::make_shared<ServeOptions>();
-  command->add_option("DIR", options->folder, "The folder with the update files")->required();
+  command->add_option("DIR", options->folder, "The folder with the update files")
+      ->required()
+      ->check(PathProblem);
   command->add_option("--port", options->port, "Where to listen; 0 for any free port")
       ->capture_default_str()
       ->check(CLI::Range(0, kLastPort));
