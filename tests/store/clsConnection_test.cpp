@@ -19,17 +19,6 @@ using testing::HasSubstr;
 
 class ConnectionTest : public test_support::ProductTableTest {};
 
-TEST_F(ConnectionTest, ReadsWhatADatabaseSaysAboutItself) {
-  clsConnection connection;
-  EXPECT_TRUE(connection.MakenJetConnectie(product_table, kProductTablePassword));
-  EXPECT_TRUE(connection.Connection->IsOpen());
-  EXPECT_EQ(connection.AppType, L"ORVANE");
-  EXPECT_EQ(connection.DBType, L"PT");
-  EXPECT_EQ(connection.VerMajor, 3);
-  EXPECT_EQ(connection.VerMinor, 20);
-  EXPECT_THAT(Boxes(), testing::IsEmpty());
-}
-
 // What cannot be read stays at its default and hides nothing of what can.
 TEST_F(ConnectionTest, MissingColumnLeavesOtherValuesReadable) {
   const std::wstring path = folder.Text("unprotected.mdb");
@@ -68,7 +57,6 @@ TEST_F(ConnectionTest, FileThatCannotBeOpenedIsReportedTwice) {
     const char* error;
   } cases[] = {
       {"missing file", folder.Text("missing.pt"), "3024: Could not find file "},
-      {"missing folder", folder.Text(std::filesystem::path("missing") / "a.pt"), "3044: "},
       {"no database", files::ToText(folder.Write("text.pt", std::string(9000, 'x'))),
        "3343: Unrecognized database format "},
       {"empty file", files::ToText(folder.Write("empty.pt", "")), "3343: "},

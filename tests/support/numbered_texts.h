@@ -8,7 +8,8 @@
 
 namespace test_support {
 
-// Text 96 is "#96"; a text that the program fills has its "%s": "#86 %s".
+// Text 96 is "#96"; a text that the program fills has its "%s": "#86 %s". Tool tips have the broken
+// line ends of real ones.
 class NumberedTexts : public language::LanguageProvider {
  public:
   std::int16_t LoadLanguageFile(const std::wstring&) override { return language::kLoaded; }
@@ -17,7 +18,9 @@ class NumberedTexts : public language::LanguageProvider {
                                                   91, 93, 101, 102, 103, 1024, 1050, 1071, 1072};
     return L"#" + std::to_wstring(number) + (filled.contains(number) ? L" %s" : L"");
   }
-  std::wstring GetToolTipText(std::int32_t number) const override { return GetText(number); }
+  std::wstring GetToolTipText(std::int32_t number) const override {
+    return GetText(number) + L"\\n";
+  }
   std::wstring GetMessageText(std::int32_t number) const override { return GetText(number); }
 };
 

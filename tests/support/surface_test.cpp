@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "app/modMain.h"
 #include "demo/product_table.h"
 #include "platform/database/recordset.h"
 #include "platform/files/paths.h"
@@ -32,6 +33,10 @@ std::wstring NewProductTable(const std::filesystem::path& path) {
 SurfaceTest::SurfaceTest() : scope_(settings) {
   settings.objPrompt = &prompt;
   settings.objLanguage = &texts;
+  settings.objRegistry = &registry;
+  settings.objEventPump = &pump;
+  settings.objClock = &clock;
+  settings.strVersionSubKey = L"3.2\\PAP32\\";
   settings.strApplicationTitle = L"Title";
 }
 
@@ -42,6 +47,15 @@ std::vector<std::string> SurfaceTest::Boxes() {
   for (const auto& message : prompt.messages) shown.push_back(text::WideToUtf8(message.text));
   prompt.messages.clear();
   return shown;
+}
+
+registry::Value& SurfaceTest::Stored(const std::wstring& name) {
+  return registry.values[{registry::RootKey::kCurrentUser,
+                          L"Software\\Velkor Software\\Orvane\\3.2\\PAP32\\", name}];
+}
+
+registry::Value& SurfaceTest::MachineSetting(const std::wstring& name) {
+  return registry.values[{registry::RootKey::kLocalMachine, kSettingsKey, name}];
 }
 
 ProductTableTest::ProductTableTest() : product_table(NewProductTable(folder / "Orv.pt")) {}
@@ -59,6 +73,15 @@ void ProductTableTest::AddRow(const std::wstring& table, const Values& values) {
   rows.AddNew();
   for (const auto& [column, value] : values) rows(column) = value;
   rows.Update();
+}
+
+void ProductTableTest::AddSupplierOf(const std::vector<std::wstring>& assortments) {
+  AddRow(L"Supplier", {{L"Code", L"S"}});
+  for (std::int32_t number = 1; const std::wstring& code : assortments) {
+    AddRow(L"Assortment", {{L"AssCode", code}});
+    AddRow(L"Ass_Suppl", {{L"fkAssNr", number++}, {L"fkSupplierID", std::int32_t{1}}});
+  }
+  CloseConnection();
 }
 
 void ProductTableTest::SetIdentity(const std::wstring& column, const text::Variant& value) {

@@ -10,14 +10,19 @@
 
 #include "app/modShared.h"
 #include "platform/database/connection.h"
+#include "platform/registry/registry.h"
 #include "platform/text/variant.h"
+#include "tests/support/fixed_clock.h"
+#include "tests/support/memory_registry.h"
 #include "tests/support/numbered_texts.h"
 #include "tests/support/recording_prompt.h"
+#include "tests/support/scripted_event_pump.h"
 #include "tests/support/temporary_folder.h"
 
 namespace test_support {
 
-// Installs shared settings whose services record: message boxes in `prompt`, texts as numbers.
+// Installs shared settings whose services record: message boxes in `prompt`, texts as
+// numbers.
 class SurfaceTest : public testing::Test {
  public:
   ~SurfaceTest() override;  // closes ProductConnection
@@ -28,8 +33,14 @@ class SurfaceTest : public testing::Test {
   TemporaryFolder folder;
   // The texts of the message boxes since the last call, in UTF-8.
   std::vector<std::string> Boxes();
+  // A setting of the user's, and one of the machine's.
+  registry::Value& Stored(const std::wstring& name);
+  registry::Value& MachineSetting(const std::wstring& name);
 
   RecordingPrompt prompt;
+  MemoryRegistry registry;
+  ScriptedEventPump pump;
+  FixedClock clock{45000.5};  // 2023-03-15 12:00
   NumberedTexts texts;
   SharedSettings settings;
 
@@ -51,6 +62,8 @@ class ProductTableTest : public SurfaceTest {
 
   // Adds a row by itself, past all record writers.
   void AddRow(const std::wstring& table, const Values& values);
+  // Adds a supplier S and assortments, all of which it delivers.
+  void AddSupplierOf(const std::vector<std::wstring>& assortments);
   // Changes what the product table says about itself, by itself too, and closes the connection.
   void SetIdentity(const std::wstring& column, const text::Variant& value);
 

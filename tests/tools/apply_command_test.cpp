@@ -1,7 +1,9 @@
 // paptool apply: what it prints, where, and with which exit status.
 #include <gmock/gmock.h>
 
+#include "store/modProductTable.h"
 #include "tests/tools/paptool_test.h"
+#include "updates/modSharedPapFolder.h"
 
 namespace {
 
@@ -22,7 +24,8 @@ class ApplyCommandTest : public PaptoolTest {
  protected:
   // Without a backup, which has a test of its own.
   ProgramOutcome Apply(const std::string& table, const std::vector<std::string>& updates) {
-    std::vector<std::string> arguments = {"--no-backup", "--table", table, "--language", language_};
+    std::vector<std::string> arguments = {"--no-backup", "--table", table, "--language",
+                                          "english.lng"};
     arguments.insert(arguments.end(), updates.begin(), updates.end());
     return RunApply(arguments);
   }
@@ -30,9 +33,6 @@ class ApplyCommandTest : public PaptoolTest {
     arguments.insert(arguments.begin(), {"apply", "--log", Path("log.txt")});
     return Run(arguments);
   }
-
- private:
-  const std::string language_ = MakeLanguageFile();
 };
 
 TEST_F(ApplyCommandTest, PrintsWhatTheListShows) {
@@ -44,17 +44,20 @@ TEST_F(ApplyCommandTest, PrintsWhatTheListShows) {
 
   const ProgramOutcome once = Apply(table, {good});
   EXPECT_EQ(once.status, 0);
-  EXPECT_THAT(Lines(once.out),
-              ElementsAre("T59\t" + good, "T60\tBEAMS - Beams", "T61\tS1 - First", "T59\tT62"));
+  EXPECT_THAT(Lines(once.out), ElementsAre("Price update\t" + good, "Assortment\tBEAMS - Beams",
+                                           "Supplier\tS1 - First", "Price update\tfinished"));
   EXPECT_THAT(once.err, IsEmpty());
 
   // A refusal in one update stops neither it nor the next.
   const ProgramOutcome both = Apply(table, {bad, good});
   EXPECT_EQ(both.status, 1);
-  EXPECT_THAT(Lines(both.out),
-              ElementsAre("T59\t" + bad, "T60\tBEAMS - Beams", "T61\tS1 - First", "! T64\tT101 X",
-                          "T59\tT62",  //
-                          "T59\t" + good, "T60\tBEAMS - Beams", "T61\tS1 - First", "T59\tT62"));
+  EXPECT_THAT(
+      Lines(both.out),
+      ElementsAre("Price update\t" + bad, "Assortment\tBEAMS - Beams", "Supplier\tS1 - First",
+                  "! Not applied\tArticle price: the article 'X' was not found.",
+                  "Price update\tfinished",  //
+                  "Price update\t" + good, "Assortment\tBEAMS - Beams", "Supplier\tS1 - First",
+                  "Price update\tfinished"));
   EXPECT_THAT(both.err, IsEmpty());
 }
 
@@ -100,12 +103,14 @@ TEST_F(ApplyCommandTest, MessageBoxesAreLinesOnStandardError) {
   const std::string table = Path("missing.pt");
   const ProgramOutcome outcome = Apply(table, {Path("good.PRC")});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(Lines(outcome.out), ElementsAre("! T56\t"));
+  EXPECT_THAT(Lines(outcome.out),
+              ElementsAre(testing::StartsWith("! The product table '" + table)));
   EXPECT_THAT(Lines(outcome.err),
-              ElementsAre("T104 / Procedure = clsConnection.MakenJetConnectie (Function) / "
-                          "Error = 3024: Could not find file '" +
-                              table + "'.",
-                          "T56"));
+              ElementsAre(testing::EndsWith("ask for help: / Procedure = clsConnection."
+                                            "MakenJetConnectie (Function) / Error = 3024: Could "
+                                            "not find file '" +
+                                            table + "'."),
+                          testing::StartsWith("The product table '" + table)));
 }
 
 // The whole of the wizard's import, in the language that the program brings along: a backup before
@@ -139,6 +144,30 @@ TEST_F(ApplyCommandTest, BacksUpLogsAndRegisters) {
       Run({"apply", "--no-backup", "--table", table, "--log", Path("no/log"), Path("good.PRC")});
   EXPECT_EQ(unlogged.status, 1);
   EXPECT_THAT(unlogged.err, HasSubstr("StartLog"));
+}
+
+// A backup of a product table that this process has open: copying opens the file once more and
+// closes it again, which must not let go of the lock.
+TEST_F(ApplyCommandTest, ABackupLeavesAnOpenProductTableLocked) {
+  const std::string table = MakeProductTable();
+  folder.Write("good.PRC", kGood);
+  const ProductConnectionGuard end;
+  ASSERT_TRUE(OpenProductTable(folder.Text("Orv.pt")));
+  ASSERT_EQ(Apply(table, {Path("good.PRC")}).status, 1) << "it is refused before the backup";
+
+  for (int backups = 0; backups < 2; ++backups) {  // over nothing, and over the first one
+    EXPECT_TRUE(CopyPapFile(folder.Text("Orv.pt"), folder.Text("backup.pt")));
+    EXPECT_TRUE(test_support::ReadAll(folder / "backup.pt") ==
+                test_support::ReadAll(folder / "Orv.pt"));
+    const ProgramOutcome refused = Apply(table, {Path("good.PRC")});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err, HasSubstr("3045: "));
+  }
+  EXPECT_FALSE(CopyPapFile(folder.Text("backup.pt"), folder.Text("Orv.pt")))
+      << "what is open is not replaced";
+
+  ProductConnection.reset();
+  EXPECT_EQ(Apply(table, {Path("good.PRC")}).status, 0);
 }
 
 // The log is begun over, so it must not be one of the files that matter, by whatever name.

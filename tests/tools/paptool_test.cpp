@@ -28,17 +28,6 @@ std::string PaptoolTest::MakeDatabase(const jet::TableSpec& table,
   return Path("values.mdb");
 }
 
-std::string PaptoolTest::MakeLanguageFile() const {
-  std::string texts = "language file: Test\n";
-  for (int number = 50; number <= 104; ++number) {
-    const bool filled = number == 67 || (number >= 101 && number <= 103);
-    texts +=
-        std::to_string(number) + " text: T" + std::to_string(number) + (filled ? " %s" : "") + "\n";
-  }
-  folder.Write("test.lng", texts);
-  return Path("test.lng");
-}
-
 std::vector<std::string> Lines(const std::string& output) {
   std::istringstream text(output);
   std::vector<std::string> lines;

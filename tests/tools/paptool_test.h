@@ -19,8 +19,6 @@ class PaptoolTest : public testing::Test {
   std::string MakeProductTable() const;
   // A database without a password that holds `table` with these rows.
   std::string MakeDatabase(const jet::TableSpec& table, std::vector<jet::Row> rows) const;
-  // A language file whose text 59 is "T59" and so on; a text that is filled is "T67 %s".
-  std::string MakeLanguageFile() const;
 
   const test_support::TemporaryFolder folder;
 };

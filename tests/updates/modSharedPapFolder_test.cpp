@@ -4,14 +4,13 @@
 #include <gmock/gmock.h>
 
 #include "app/modGeneralFunctions.h"
-#include "app/modShared.h"
+#include "app/modMain.h"
 #include "platform/files/file_error.h"
 #include "platform/files/file_lock.h"
 #include "platform/files/paths.h"
 #include "platform/text/runtime_error.h"
 #include "tests/support/error_number.h"
 #include "tests/support/file_protection.h"
-#include "tests/support/memory_registry.h"
 #include "tests/support/surface_test.h"
 
 namespace {
@@ -23,10 +22,7 @@ constexpr char kNoFolder[] = "De folder met prijsaanpassingen is niet gevonden!"
 
 class PapFolderTest : public test_support::SurfaceTest {
  protected:
-  PapFolderTest() {
-    settings.objRegistry = &registry;
-    AvailablePaps.reset();
-  }
+  PapFolderTest() { AvailablePaps.reset(); }
   ~PapFolderTest() override { AvailablePaps.reset(); }
 
   void WriteUpdate(const std::filesystem::path& vName, const std::string& vSupplier,
@@ -43,8 +39,6 @@ class PapFolderTest : public test_support::SurfaceTest {
     for (const auto& pap : *AvailablePaps) names.push_back(GetFileName(pap->FilePath));
     return names;
   }
-
-  test_support::MemoryRegistry registry;
 };
 
 TEST_F(PapFolderTest, FilesOfOurVersionAreFound) {
@@ -54,21 +48,13 @@ TEST_F(PapFolderTest, FilesOfOurVersionAreFound) {
   for (const std::wstring& name : names) WriteUpdate(files::ToPath(name), "S");
   WriteUpdate("old.prc", "S", "3.1");
   WriteUpdate("nearly.prc", "S", "3.20");
-  WriteUpdate("backup.prc.bak", "S");
+  for (const char* name : {"backup.prc.bak", "prc", "x.prc "}) WriteUpdate(name, "S");
   folder.Write("empty.prc", "");
   std::filesystem::create_directory(folder / "folder.prc");
   EXPECT_TRUE(Scan());
   EXPECT_THAT(FoundNames(), testing::UnorderedElementsAreArray(names));
-  const clsOrvPap& first = *AvailablePaps->front();
-  EXPECT_EQ(first.SupplierCode, L"S");
-  EXPECT_EQ(first.FileSize, std::filesystem::file_size(files::ToPath(first.FilePath)));
-  EXPECT_THAT(Boxes(), testing::IsEmpty());
-}
 
-TEST_F(PapFolderTest, NothingFoundIsNoCollection) {
-  WriteUpdate("a.prc", "S");
-  ASSERT_TRUE(Scan());
-  WriteUpdate("a.prc", "S", "3.3");
+  for (const std::wstring& name : names) WriteUpdate(files::ToPath(name), "S", "3.3");
   EXPECT_FALSE(Scan());
   EXPECT_FALSE(AvailablePaps.has_value());
   EXPECT_THAT(Boxes(), testing::IsEmpty());
@@ -127,19 +113,15 @@ TEST_F(PapFolderTest, CopyAndDeleteReportNothing) {
 }
 
 TEST_F(PapFolderTest, TheUsersSettingThenTheMachinesThenTheProgramsFolder) {
-  using registry::RootKey;
-  constexpr wchar_t kKey[] = L"Software\\Velkor Software\\Orvane\\3.2\\Settings\\";
-  settings.strProgramFolder = L"folder";
-  EXPECT_EQ(GetProductTablePath(), std::wstring(L"folder") + files::Separator() + L"Orv.pt");
   settings.strProgramFolder = L"folder\\";
   EXPECT_EQ(GetProductTablePath(), L"folder\\Orv.pt");
-  registry.values[{RootKey::kLocalMachine, kKey, L"ProductTable"}] = L"machine.pt";
+  MachineSetting(L"ProductTable") = L"machine.pt";
+  auto& of_the_user =
+      registry.values[{registry::RootKey::kCurrentUser, kSettingsKey, L"ProductTable"}];
+  of_the_user = registry::OtherKind{};
   EXPECT_EQ(GetProductTablePath(), L"machine.pt");
-  registry.values[{RootKey::kCurrentUser, kKey, L"ProductTable"}] = registry::OtherKind{};
-  EXPECT_EQ(GetProductTablePath(), L"machine.pt");
-  registry.values[{RootKey::kCurrentUser, kKey, L"ProductTable"}] = L"user.pt";
+  of_the_user = L"user.pt";
   EXPECT_EQ(GetProductTablePath(), L"user.pt");
-  EXPECT_THAT(Boxes(), testing::IsEmpty());
 }
 
 }  // namespace

@@ -35,16 +35,9 @@ DownloadPageTest::DownloadPageTest()
       page(server.Address(), {.Server = {}, .Retry = kRetry}),
       impatient(server.Address(),
                 {.Server = {.silence = std::chrono::milliseconds(1000)}, .Retry = kRetry}) {
-  settings.objRegistry = &registry;
-  settings.objEventPump = &pump;
-  settings.strVersionSubKey = L"3.2\\PAP32\\";
   settings.strProgramFolder = folder.Text("program");
   std::filesystem::create_directories(folder / "program" / "PAP32");
-  AddRow(L"Supplier", {{L"Code", L"S"}});
-  for (const wchar_t* code : {L"A", L"b", L"C"}) AddRow(L"Assortment", {{L"AssCode", code}});
-  for (const std::int32_t assortment : {1, 2})
-    AddRow(L"Ass_Suppl", {{L"fkAssNr", assortment}, {L"fkSupplierID", std::int32_t{1}}});
-  CloseConnection();
+  AddSupplierOf({L"A", L"b", L"A Pr\u00C9%#", L"A&C"});
   for (usrDownload* one : {&page, &impatient}) {
     one->ProductTable = product_table;
     one->SetStepText = [this](const std::wstring& vCaption) {
@@ -71,13 +64,6 @@ std::vector<std::string> DownloadPageTest::Listed() const {
   for (const controls::ListItem& item : page.lvPrc.Items())
     names.push_back(text::WideToUtf8(item.sub_items.at(2)));
   return names;
-}
-
-std::vector<std::string> DownloadPageTest::Messages() {
-  std::vector<std::string> messages;
-  for (const auto& shown : std::exchange(prompt.messages, {}))
-    messages.push_back(text::WideToUtf8(shown.text));
-  return messages;
 }
 
 std::optional<std::string> DownloadPageTest::Fetched(const std::string& vName) const {

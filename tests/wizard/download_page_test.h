@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/memory_registry.h"
-#include "tests/support/scripted_event_pump.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/surface_test.h"
 #include "wizard/usrDownload.h"
@@ -30,7 +28,6 @@ class DownloadPageTest : public test_support::ProductTableTest {
   std::vector<std::string> FetchFiles() { return Step(3, page); }
 
   std::vector<std::string> Listed() const;  // the file names in the list
-  std::vector<std::string> Messages();      // the message boxes since the last call
   // A file in the update folder; nothing when there is none.
   std::optional<std::string> Fetched(const std::string& vName) const;
 
@@ -39,8 +36,6 @@ class DownloadPageTest : public test_support::ProductTableTest {
   std::map<std::string, std::string> files;  // by path; "Info.txt" is made from `index`
   std::map<std::string, Answer> answers;     // in place of files
 
-  test_support::MemoryRegistry registry;
-  test_support::ScriptedEventPump pump;
   test_support::ScriptedServer server;
   usrDownload page;
   usrDownload impatient;            // the same, which gives up silence after a second

@@ -14,7 +14,7 @@ class usrDownloadDiskTest : public DownloadPageTest {
   void ExpectReported(const char* vNumber) {
     EXPECT_THAT(FetchFiles(),
                 ElementsAre("#9 #10", "Downloaden bestand 1_S_A.PRC", "#24", "#23 - 1_S_A.PRC"));
-    const std::vector<std::string> messages = Messages();
+    const std::vector<std::string> messages = Boxes();
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_THAT(messages[0], HasSubstr("usrDownload.TransferFile (Function)"));
     EXPECT_THAT(messages[0], HasSubstr(vNumber));
