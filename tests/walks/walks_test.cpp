@@ -6,7 +6,6 @@
 #include "store/ProductTableSchema.h"
 #include "store/modProductTable.h"
 #include "tests/support/surface_test.h"
-#include "tests/walks/host_product.h"
 #include "tests/walks/window_walk.h"
 
 namespace walks {
@@ -163,7 +162,7 @@ TEST_F(WalksTest, AProductTableThatIsNoneLeadsBackToItsChoice) {
 }
 
 TEST_F(WalksTest, AProductTableInUseIsLeftAlone) {
-  const HostProduct host(table);
+  const auto host_product = jet::Database::Open(table, WithPassword());
   ExpectRefused("already in use");
 }
 

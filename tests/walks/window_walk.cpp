@@ -10,6 +10,7 @@
 #include "platform/text/code_page.h"
 #include "store/modProductTable.h"
 #include "tests/support/surface_test.h"
+#include "tests/walks/settings.h"
 #include "tools/paptool/download_index.h"
 #include "updates/DownloadFolder.h"
 #include "updates/modSharedPapRegister.h"
@@ -21,7 +22,7 @@ namespace fs = std::filesystem;
 
 using test_support::ReadAll;
 
-constexpr char kUserKey[] = R"(Software\Velkor Software\Orvane\3.2\PAP32)";
+constexpr wchar_t kUserKey[] = LR"(Software\Velkor Software\Orvane\3.2\PAP32)";
 
 }  // namespace
 
@@ -30,11 +31,11 @@ WindowWalk::WindowWalk() {
   const fs::path program = folder.Write("bin/program", "");
   fs::copy(ORVPAP_LANG_FOLDER, folder / "bin/lang", fs::copy_options::recursive);
   demo::MakeInstallation(installation, program);
-  settings_ = std::make_unique<Settings>(installation / demo::kRegistryFile);
-  settings_->Registry().WriteText(registry::RootKey::kLocalMachine, kSettingsKey,
-                                  L"PAPUPDATERLANGUAGE", L"english.lng");
+  registry_ = FreshSettings(installation / demo::kRegistryFile);
+  registry_->WriteText(registry::RootKey::kLocalMachine, kSettingsKey, L"PAPUPDATERLANGUAGE",
+                       L"english.lng");
   shared_.strProgramFolder = files::ToText(installation);
-  shared_.objRegistry = &settings_->Registry();
+  shared_.objRegistry = registry_.get();
   answer = [this](auto& peer, const std::string& head) {
     peer.Send(test_support::Response(Served(test_support::PathOf(head))));
   };
@@ -86,7 +87,9 @@ void WindowWalk::CheckOnly(const std::vector<std::size_t>& rows) {
 }
 
 std::string WindowWalk::Setting(const std::string& name) const {
-  return settings_->UserText(kUserKey, name).value_or("(none)");
+  const auto value =
+      registry_->Read(registry::RootKey::kCurrentUser, kUserKey, text::Utf8ToWide(name));
+  return value ? text::WideToUtf8(std::get<std::wstring>(*value)) : "(none)";
 }
 
 std::vector<std::string> WindowWalk::Register() const {
@@ -107,10 +110,14 @@ std::vector<std::string> WindowWalk::Files() const {
   return names;
 }
 
-void WindowWalk::ExpectSound() const {
+jet::OpenOptions WindowWalk::WithPassword() {
   jet::OpenOptions options;
   options.password = text::WideToUtf16(kProductTablePassword);
-  EXPECT_THAT(jet::CheckFile(table, options).problems, testing::IsEmpty());
+  return options;
+}
+
+void WindowWalk::ExpectSound() const {
+  EXPECT_THAT(jet::CheckFile(table, WithPassword()).problems, testing::IsEmpty());
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
   test_support::KeepForOtherReaders(table, std::string(test.name()) + ".pt");
 }

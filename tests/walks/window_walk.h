@@ -12,9 +12,10 @@
 #include "app/modShared.h"
 #include "demo/installation.h"
 #include "platform/database/recordset.h"
+#include "platform/jet/database.h"
+#include "platform/registry/registry.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/walks/settings.h"
 #include "tests/walks/wx/robot.h"
 #include "tests/walks/wx/screen.h"
 
@@ -66,6 +67,8 @@ class WindowWalk : public testing::Test {
   std::vector<std::string> Register() const;
   // The file names in the installation, without folders and programs.
   std::vector<std::string> Files() const;
+  // As another program opens the product table.
+  static jet::OpenOptions WithPassword();
   // The product table passes the check of its file; the independent readers get a copy.
   void ExpectSound() const;
 
@@ -80,7 +83,7 @@ class WindowWalk : public testing::Test {
  private:
   std::string Served(const std::string& path) const;
 
-  std::unique_ptr<Settings> settings_;
+  std::unique_ptr<registry::Registry> registry_;
   SharedSettings shared_;
 };
 

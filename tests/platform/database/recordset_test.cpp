@@ -5,10 +5,11 @@
 
 #include <limits>
 
+#include "platform/jet/constraints.h"
 #include "platform/text/conversion.h"
-#include "platform/text/date.h"
 #include "platform/text/locale.h"
 #include "tests/platform/database/test_database.h"
+#include "tests/platform/jet/test_database.h"
 
 namespace database {
 namespace {
@@ -47,9 +48,9 @@ TEST(RecordsetTest, ANewRowIsCurrentWhileItIsFilledAndAfterUpdate) {
   EXPECT_EQ(database.Column(L"Article", L"Description"), L"first");
   rows.MoveNext();
   EXPECT_TRUE(rows.Eof());
-  EXPECT_EQ(ErrorNumber([&] { rows.MoveNext(); }), 3021);
-  EXPECT_EQ(ErrorNumber([&] { rows(L"Code").Value(); }), 3021);
-  EXPECT_EQ(ErrorNumber([&] { rows(L"Code") = L"B"; }), 3021);
+  EXPECT_EQ(ErrorNumberOf([&] { rows.MoveNext(); }), 3021);
+  EXPECT_EQ(ErrorNumberOf([&] { rows(L"Code").Value(); }), 3021);
+  EXPECT_EQ(ErrorNumberOf([&] { rows(L"Code") = L"B"; }), 3021);
 }
 
 TEST(RecordsetTest, WhatWasNotSavedIsDiscardedByMovingSearchingAndCancelling) {
@@ -75,24 +76,24 @@ TEST(RecordsetTest, WhatWasNotSavedIsDiscardedByMovingSearchingAndCancelling) {
 
 TEST(RecordsetTest, FindStartsAtTheCurrentRowAndTakesTheFirstOfEquals) {
   TestDatabase database(TestDatabase::Indexes::kNone);
-  AddArticles(database, {L"A", L"b", L"A", L"é", L"co-op", L"C "});
-  struct Case {
+  AddArticles(database, {L"A", L"b", L"A", L"é", L"co-op", L"C ", L"D '1'"});
+  const struct {
     int start;  // rows to skip first
     const wchar_t* criterion;
     const wchar_t* id;  // empty: at the end
-  };
-  const Case cases[] = {
-      {0, L"Code = 'A'", L"1"},   {1, L"Code = 'A'", L"3"}, {2, L"Code = 'a  '", L"3"},
-      {3, L"Code = 'A'", L""},    {0, L"Code = 'B'", L"2"}, {0, L"Code = 'C'", L"6"},
-      {0, L"Code = 'É'", L"4"},   {0, L"Code = 'e'", L""},  {0, L"Code = \"CO-OP\"", L"5"},
-      {0, L"Code = 'coop'", L""}, {0, L"[ID]=4", L"4"},     {4, L"ID = 4", L""},
-      {0, L"ID > 3", L"4"},       {4, L"ID > 3", L"5"},     {0, L"Code <> 'a'", L"2"},
-      {0, L"fkSerie = 1", L""},   {6, L"Code = 'A'", L""},  {0, L"ID = 1.5", L""}};
+  } cases[] = {
+      {0, L"Code = 'A'", L"1"},   {1, L"Code = 'A'", L"3"},      {2, L"Code = 'a  '", L"3"},
+      {3, L"Code = 'A'", L""},    {0, L"Code = 'B'", L"2"},      {0, L"Code = 'C'", L"6"},
+      {0, L"Code = 'É'", L"4"},   {0, L"Code = 'e'", L""},       {0, L"Code = \"CO-OP\"", L"5"},
+      {0, L"Code = 'coop'", L""}, {0, L"[ID]=4", L"4"},          {4, L"ID = 4", L""},
+      {0, L"ID > 3", L"4"},       {4, L"ID > 3", L"5"},          {0, L"Code <> 'a'", L"2"},
+      {0, L"fkSerie = 1", L""},   {7, L"Code = 'A'", L""},       {0, L"ID = 1.5", L""},
+      {0, L"ID=-5", L""},         {0, L"Code = 'D ''1'''", L"7"}};
   for (const CursorType cursor :
        {CursorType::kDynamic, CursorType::kKeyset, CursorType::kStatic, CursorType::kForwardOnly}) {
     Recordset rows;
     rows.Open(L"SELECT ID, Code, fkSerie FROM Article", database.connection(), cursor);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
       SCOPED_TRACE(testing::Message() << c.criterion << " from " << c.start);
       rows.MoveFirst();
       for (int i = 0; i < c.start; ++i) rows.MoveNext();
@@ -100,9 +101,12 @@ TEST(RecordsetTest, FindStartsAtTheCurrentRowAndTakesTheFirstOfEquals) {
       EXPECT_EQ(rows.Eof() ? L"" : TextOf(rows, L"ID"), c.id);
     }
     rows.MoveFirst();
-    EXPECT_EQ(ErrorNumber([&] { rows.Find(L"Code = 5"); }), 3464);
-    EXPECT_EQ(ErrorNumber([&] { rows.Find(L"Price = 5"); }), 3265);
-    EXPECT_EQ(ErrorNumber([&] { rows.Find(L"Code = 'O'Brien'"); }), 3001);
+    EXPECT_EQ(ErrorNumberOf([&] { rows.Find(L"Code = 5"); }), 3464);
+    EXPECT_EQ(ErrorNumberOf([&] { rows.Find(L"Price = 5"); }), 3265);
+    for (const wchar_t* bad :
+         {L"", L"Code", L"Code =", L"Code = 'O'Brien'", L"Code = 'x", L"Code = Description",
+          L"Code = 'a' AND ID = 1", L"5 = ID", L"Code = -'a'", L"Code LIKE 'a'"})
+      EXPECT_EQ(ErrorNumberOf([&] { rows.Find(bad); }), 3001) << testing::PrintToString(bad);
     EXPECT_EQ(TextOf(rows, L"ID"), L"1") << "a refused search moves nowhere";
   }
 }
@@ -158,13 +162,13 @@ TEST(RecordsetTest, EveryRowCanBeDeletedWhileWalking) {
     OpenForChange(rows, database, source);
     for (; !rows.Eof(); rows.MoveNext()) {
       rows.Delete();
-      EXPECT_EQ(ErrorNumber([&] { rows(L"Code").Value(); }), 3167);
-      EXPECT_EQ(ErrorNumber([&] { rows(L"Code") = L"X"; }), 3167);
-      EXPECT_EQ(ErrorNumber([&] { rows.Delete(); }), 3167);
+      EXPECT_EQ(ErrorNumberOf([&] { rows(L"Code").Value(); }), 3167);
+      EXPECT_EQ(ErrorNumberOf([&] { rows(L"Code") = L"X"; }), 3167);
+      EXPECT_EQ(ErrorNumberOf([&] { rows.Delete(); }), 3167);
     }
     EXPECT_TRUE(rows.Bof());
     EXPECT_EQ(rows.RecordCount(), 0);
-    EXPECT_EQ(ErrorNumber([&] { rows.MoveFirst(); }), 3021);
+    EXPECT_EQ(ErrorNumberOf([&] { rows.MoveFirst(); }), 3021);
     EXPECT_EQ(database.Column(L"Article", L"Code"), L"");
   }
 }
@@ -212,7 +216,7 @@ TEST(RecordsetTest, CursorsSeeLaterChangesAsDescribed) {
   keyset(L"Description") = L"kept";
   keyset.Update();
   keyset.MoveNext();
-  EXPECT_EQ(ErrorNumber([&] { keyset(L"Code").Value(); }), 3167);
+  EXPECT_EQ(ErrorNumberOf([&] { keyset(L"Code").Value(); }), 3167);
   keyset.MoveNext();
   EXPECT_TRUE(keyset.Eof());
   EXPECT_EQ(database.Column(L"Article", L"Code"), L"AA,C");
@@ -238,7 +242,7 @@ TEST(RecordsetTest, WhatMayNotBeChangedSaysSo) {
   AddArticles(database, {L"A"});
   database.Add(L"Serie", {{L"SerieCode", L"S"}});
   Recordset rows;
-  EXPECT_EQ(ErrorNumber([&] { rows.Eof(); }), 3704);
+  EXPECT_EQ(ErrorNumberOf([&] { rows.Eof(); }), 3704);
   for (const auto& [source, lock] :
        {std::pair(L"SELECT * FROM Article", LockType::kReadOnly),
         std::pair(L"SELECT Article.Code FROM Article INNER JOIN Serie ON Article.ID = "
@@ -246,24 +250,23 @@ TEST(RecordsetTest, WhatMayNotBeChangedSaysSo) {
                   LockType::kOptimistic)}) {
     rows.Open(source, database.connection(), CursorType::kDynamic, lock);
     ASSERT_FALSE(rows.Eof());
-    EXPECT_EQ(ErrorNumber([&] { rows(L"Code") = L"B"; }), 3251);
-    EXPECT_EQ(ErrorNumber([&] { rows.AddNew(); }), 3251);
-    EXPECT_EQ(ErrorNumber([&] { rows.Delete(); }), 3251);
-    EXPECT_EQ(ErrorNumber([&] { rows(L"Nothing"); }), 3265);
-    EXPECT_EQ(ErrorNumber([&] { rows.Open(L"Serie", database.connection()); }), 3705);
+    EXPECT_EQ(ErrorNumberOf([&] { rows(L"Code") = L"B"; }), 3251);
+    EXPECT_EQ(ErrorNumberOf([&] { rows.AddNew(); }), 3251);
+    EXPECT_EQ(ErrorNumberOf([&] { rows.Delete(); }), 3251);
+    EXPECT_EQ(ErrorNumberOf([&] { rows(L"Nothing"); }), 3265);
+    EXPECT_EQ(ErrorNumberOf([&] { rows.Open(L"Serie", database.connection()); }), 3705);
     rows.Close();
   }
 }
 
 TEST(RecordsetTest, ValuesBecomeWhatTheirColumnHolds) {
   const text::ScopedLocale locale({L',', L'.'});
-  struct Case {
+  const struct {
     const wchar_t* column;
     text::Variant value;
     text::Variant stored;
     int number = 0;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {L"Yes", std::int32_t{1}, true},
       {L"Yes", L"false", false},
       {L"Yes", text::Null{}, false},
@@ -301,16 +304,61 @@ TEST(RecordsetTest, ValuesBecomeWhatTheirColumnHolds) {
   TestDatabase database;
   Recordset rows;
   OpenForChange(rows, database, L"Kinds");
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.column << " " << text::ToText(c.value).substr(0, 20));
     rows.AddNew();
-    EXPECT_EQ(ErrorNumber([&] { rows(c.column) = c.value; }), c.number);
+    EXPECT_EQ(ErrorNumberOf([&] { rows(c.column) = c.value; }), c.number);
     if (c.number != 0) continue;
     EXPECT_EQ(rows(c.column).Value(), c.stored) << "before saving";
     rows.Update();
     Recordset again;
     again.Open(L"SELECT * FROM Kinds WHERE ID = " + TextOf(rows, L"ID"), database.connection());
     EXPECT_EQ(again(c.column).Value(), c.stored) << "as saved";
+  }
+}
+
+// Defaults are for columns that were not set: a Null and a False that were set stay.
+TEST(RecordsetTest, ANewRowGetsDefaultsWhereNothingWasSet) {
+  jet::test::TestDatabase file({.password = u"top secret"});
+  file->CreateTable({.name = u"T",
+                     .columns = {{.name = u"Flag", .type = jet::ColumnType::kBoolean},
+                                 {.name = u"Number"},
+                                 {.name = u"Must", .required = true}}});
+  jet::PropertyBlob properties;
+  for (const auto& [column, value] :
+       {std::pair(u"Flag", u"Yes"), std::pair(u"Number", u"7"), std::pair(u"Must", u"1")}) {
+    const std::u16string name(jet::property::kDefaultValue);
+    properties.groups.push_back({1, column, {jet::TextProperty(name, value)}});
+  }
+  properties.groups.back().properties.push_back(
+      jet::BooleanProperty(std::u16string(jet::property::kRequired), true));
+  file.SetProperties(u"T", properties);
+  const test_support::TemporaryFolder folder;
+  file.Save(folder / "defaults.mdb");
+  Connection connection;
+  OpenConnection(connection, folder.Text("defaults.mdb"));
+
+  const struct {
+    TestDatabase::Values set;
+    std::wstring row;
+    int failure = 0;
+  } cases[] = {
+      {{}, L"True 7"},
+      {{{L"Flag", false}}, L"False 7"},
+      {{{L"Flag", true}, {L"Number", std::int32_t{0}}}, L"True 0"},
+      {{{L"Number", text::Null{}}}, L"True "},
+      {{{L"Flag", text::Null{}}}, L"False 7"},
+      {{{L"Must", text::Null{}}}, L"", 3314},
+  };
+  Recordset rows;
+  rows.Open(L"T", connection, CursorType::kDynamic, LockType::kOptimistic);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    rows.AddNew();
+    for (const auto& [column, value] : c.set) rows(column) = value;
+    EXPECT_EQ(ErrorNumberOf([&] { rows.Update(); }), c.failure);
+    if (c.failure != 0) continue;
+    EXPECT_EQ(TextOf(rows, L"Flag") + L" " + TextOf(rows, L"Number"), c.row);
   }
 }
 

@@ -7,9 +7,12 @@
 #include "platform/database/connection.h"
 #include "platform/database/database_engine.h"
 #include "platform/database/recordset.h"
+#include "tests/support/error_number.h"
 #include "tests/support/temporary_folder.h"
 
 namespace database {
+
+using test_support::ErrorNumberOf;
 
 // Series, their articles and prices; a table "Kinds" with a column of each common type.
 class TestDatabase {
@@ -43,16 +46,5 @@ void OpenConnection(Connection& connection, const std::wstring& path,
 
 // Adds a row with these values, column by column, as a dynamic recordset does.
 void AddRow(Connection& connection, const std::wstring& table, const TestDatabase::Values& values);
-
-// The number of the RuntimeError that `work` throws; 0 when it throws none.
-template <class Work>
-int ErrorNumber(Work&& work) {
-  try {
-    work();
-  } catch (const text::RuntimeError& error) {
-    return error.number();
-  }
-  return 0;
-}
 
 }  // namespace database

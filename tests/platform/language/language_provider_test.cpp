@@ -15,36 +15,26 @@ using test_support::TemporaryFolder;
 
 constexpr char kDutch[] = "language file: Nederlands\n1 text: een\n2 text: twee\n2 tooltip: tip\n";
 
-TEST(LanguageProviderTest, MissingTextsComeFromDutch) {
+TEST(LanguageProviderTest, MissingTextsComeFromDutchAndTheProgramsFolderGoesBeforeLang) {
   const TemporaryFolder folder;
   folder.Write("lang/dutch.lng", kDutch);
-  folder.Write("lang/other.lng", "language file: Other\r\n1 text: one\r\n2 message: said\r\n");
+  folder.Write("lang/x.lng", "language file: X\r\n1 text: in lang\r\n2 message: said\r\n");
   FileLanguageProvider provider(folder.path());
-
-  EXPECT_EQ(provider.LoadLanguageFile(L"other.lng"), kLoaded);
-  EXPECT_EQ(provider.GetText(1), L"one");
+  const auto first_text = [&](const std::wstring& name) {
+    EXPECT_EQ(provider.LoadLanguageFile(name), kLoaded);
+    return provider.GetText(1);
+  };
+  EXPECT_EQ(first_text(L"x.lng"), L"in lang");
   EXPECT_EQ(provider.GetText(2), L"twee");
   EXPECT_EQ(provider.GetToolTipText(2), L"tip");
   EXPECT_EQ(provider.GetMessageText(2), L"said");
   EXPECT_EQ(provider.GetText(3), L"");
-
-  EXPECT_EQ(provider.LoadLanguageFile(L""), kLoaded);
-  EXPECT_EQ(provider.GetText(1), L"een");
-  EXPECT_EQ(provider.GetMessageText(2), L"");
-}
-
-TEST(LanguageProviderTest, TheProgramsFolderGoesBeforeLang) {
-  const TemporaryFolder folder;
-  folder.Write("lang/x.lng", "language file: X\n1 text: in lang\n");
-  FileLanguageProvider provider(folder.path());
-  EXPECT_EQ(provider.LoadLanguageFile(L"x.lng"), kLoaded);
-  EXPECT_EQ(provider.GetText(1), L"in lang");
   folder.Write("x.lng", "language file: X\n1 text: beside\n");
-  EXPECT_EQ(provider.LoadLanguageFile(L"x.lng"), kLoaded);
-  EXPECT_EQ(provider.GetText(1), L"beside");
+  EXPECT_EQ(first_text(L"x.lng"), L"beside");
   const auto elsewhere = folder.Write("far/away.lng", "language file: X\n1 text: absolute\n");
-  EXPECT_EQ(provider.LoadLanguageFile(files::ToText(elsewhere)), kLoaded);
-  EXPECT_EQ(provider.GetText(1), L"absolute");
+  EXPECT_EQ(first_text(files::ToText(elsewhere)), L"absolute");
+  EXPECT_EQ(first_text(L""), L"een");
+  EXPECT_EQ(provider.GetMessageText(2), L"");
 }
 
 TEST(LanguageProviderTest, StatusTellsWhyAndTextsStay) {

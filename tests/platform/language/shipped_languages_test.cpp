@@ -1,6 +1,7 @@
 // The language files that are shipped: complete, and alike in everything but the words.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 #include <set>
 #include <string>
@@ -28,10 +29,7 @@ std::size_t Count(const std::wstring& text, const std::wstring& mark) {
   return (text.size() - text::ReplaceAll(text, mark, L"").size()) / mark.size();
 }
 
-struct Marks {
-  std::size_t names, paragraphs, access_keys;
-  friend bool operator==(const Marks&, const Marks&) = default;
-};
+using Marks = std::array<std::size_t, 3>;  // of names, paragraphs and access keys
 
 // Everything about a file that must not differ from language to language.
 using Shape = std::map<std::pair<std::int32_t, int>, Marks>;

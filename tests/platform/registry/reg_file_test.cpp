@@ -167,8 +167,8 @@ TEST(RegFileTest, LaterLinesWinAndRemove) {
        std::nullopt,
        section + "\"a\"=\"1\"\n[-HKEY_CURRENT_USER\\Software]\n\"a\"=\"2\"\n\n" + section +
            "\"a\"=\"new\"\n"},
-      {"a neighbour removed", section + "\"a\"=\"1\"\n[-HKEY_CURRENT_USER\\Software\\X2]\n", L"1",
-       section + "\"a\"=\"new\"\n[-HKEY_CURRENT_USER\\Software\\X2]\n"},
+      {"a neighbour removed", section + "\"a\"=\"1\"\n[-HKEY_CURRENT_USER\\Soft]\n", L"1",
+       section + "\"a\"=\"new\"\n[-HKEY_CURRENT_USER\\Soft]\n"},
       {"no line end at the end", section + "\"b\"=\"1\"", std::nullopt,
        section + "\"b\"=\"1\"\n\"a\"=\"new\"\n"},
       {"blanks and comments", "; c\n\n" + section + " \"a\" = \"1\" ; why\n", L"1",
@@ -197,32 +197,23 @@ TEST(RegFileTest, DamageIsNamed) {
   } cases[] = {
       {"hello", "line 1: no settings file of a known version"},
       {std::string(4096, '\0'), "line 1: a zero character"},
-      {head + std::string("\"a\"=\"\0\"\n", 8), "line 3: a zero character"},
       {"\xFF\xFEW", "half a character at the end"},
       {"\xFE\xFF\0W", "its bytes are in swapped order"},
       {"\xEF\xBB\xBFREGEDIT4\n; \xE9\n", "bytes that are no UTF-8"},
       {"REGEDIT4\n\"a\"=\"b\"\n", "line 2: a value before the first key"},
       {head + "[HKEY_CURRENT_USER\n", "line 3: a key without its closing bracket"},
-      {head + "\n\"a", "line 4: a text without its closing quote"},
       {head + "\"a\"", "line 3: a name without a value"},
       {head + "\"a\"=\"b\n\n", "line 3: a text without its closing quote"},
       {head + "\"a\"=\"b\"\"\n", "line 3: something behind the value"},
       {head + "\"a\"=\n", "line 3: a value of no known form"},
       {head + "\"a\"=dword:\n", "line 3: a number without digits"},
       {head + "\"a\"=dword:123456789\n", "line 3: a number of too many digits"},
-      {head + "\"a\"=hex(z):01\n", "line 3: a number without digits"},
       {head + "\"a\"=hex(2:01\n", "line 3: a value of no known form"},
       {head + "\"a\"=hex:01,zz\n", "line 3: bytes that are no pairs of digits"},
       {head + "\"a\"=hex:01,\\", "line 3: a value that is cut off"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.bytes.substr(0, 80));
-    try {
-      RegFile file(c.bytes);
-      ADD_FAILURE() << "taken";
-    } catch (const FormatError& error) {
-      EXPECT_STREQ(error.what(), c.reason);
-    }
+    EXPECT_THAT([&] { RegFile file(c.bytes); }, testing::ThrowsMessage<FormatError>(c.reason));
   }
 }
 

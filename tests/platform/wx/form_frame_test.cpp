@@ -118,19 +118,6 @@ TEST_F(FormFrameTest, ButtonsGrowWithTheirCaptionsBeforeTheFormIsToldItsSize) {
   });
 }
 
-TEST_F(FormFrameTest, CloseBoxAsksTheFormAndUnloadingEndsTheProgram) {
-  bool may = false;
-  form.MayClose = [&] { return may; };
-  EXPECT_EQ(0, Run([&] {
-              Frame().Close();
-              Settle();
-              EXPECT_FALSE(form.Unloaded());
-              may = true;
-              Frame().Close();
-              EXPECT_TRUE(form.Unloaded());
-            }));
-}
-
 TEST_F(FormFrameTest, FormUnloadedInItsOwnEventGoesAfterIt) {
   form.next.Click = [&] {
     form.Unload();

@@ -5,10 +5,9 @@
 #include <wx/timer.h>
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -31,53 +30,41 @@ class Meeting {
   enum class Outcome { kDone, kEnded, kNobodyCame };
 
   Outcome Do(const std::function<void()>& work) {
-    std::unique_lock lock(mutex_);
-    work_ = &work;
-    changed_.wait_for(lock, kPatience, [this] { return work_ == nullptr || ended_; });
-    const bool done = std::exchange(work_, nullptr) == nullptr;
-    if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
-    if (done) return Outcome::kDone;
-    return ended_ ? Outcome::kEnded : Outcome::kNobodyCame;
+    std::packaged_task<void()> task(work);
+    std::future<void> done = task.get_future();
+    {
+      const std::lock_guard lock(mutex_);
+      task_ = std::move(task);
+    }
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (done.wait_for(kLook) != std::future_status::ready) {
+      if (AwaitEnd(milliseconds(0))) return Outcome::kEnded;
+      if (std::chrono::steady_clock::now() > end) return Outcome::kNobodyCame;
+    }
+    done.get();  // throws what the work has thrown
+    return Outcome::kDone;
   }
 
   // On the windows' thread. Comes again in the middle of work that handles events.
   void Serve() {
-    std::unique_lock lock(mutex_);
-    if (work_ == nullptr || serving_) return;
-    serving_ = true;
-    const std::function<void()>& work = *work_;
-    lock.unlock();
-    std::exception_ptr failure;
-    try {
-      work();
-    } catch (...) {
-      failure = std::current_exception();
+    std::packaged_task<void()> task;
+    {
+      const std::lock_guard lock(mutex_);
+      std::swap(task, task_);
     }
-    lock.lock();
-    failure_ = failure;
-    work_ = nullptr;
-    serving_ = false;
-    changed_.notify_all();
+    if (task.valid()) task();
   }
 
-  void End() {
-    const std::lock_guard lock(mutex_);
-    ended_ = true;
-    changed_.notify_all();
-  }
-
-  bool AwaitEnd() {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, kPatience, [this] { return ended_; });
+  void End() { end_.set_value(); }
+  bool AwaitEnd(milliseconds patience) const {
+    return ended_.wait_for(patience) == std::future_status::ready;
   }
 
  private:
   std::mutex mutex_;
-  std::condition_variable changed_;
-  const std::function<void()>* work_ = nullptr;
-  std::exception_ptr failure_;
-  bool serving_ = false;
-  bool ended_ = false;
+  std::packaged_task<void()> task_;
+  std::promise<void> end_;
+  std::future<void> ended_ = end_.get_future();
 };
 
 Meeting& TheMeeting() {
@@ -143,7 +130,8 @@ void Await(const std::string& what, const std::function<bool()>& there) {
 }
 
 void AwaitEnd() {
-  if (!TheMeeting().AwaitEnd()) GiveUp("the end of the program", Ask<std::string>(Everything));
+  if (!TheMeeting().AwaitEnd(kPatience))
+    GiveUp("the end of the program", Ask<std::string>(Everything));
 }
 
 }  // namespace walks

@@ -67,6 +67,12 @@ Kind* Find(const std::string& caption) {
   return nullptr;
 }
 
+template <class Kind>
+Kind* FindEnabled(const std::string& caption) {
+  Kind* const found = Find<Kind>(caption);
+  return found != nullptr && found->IsEnabled() ? found : nullptr;
+}
+
 // The last one, which is the one that its page is about; throws where there is none.
 template <class Kind>
 Kind& Last() {
@@ -110,52 +116,18 @@ std::vector<std::string> RowsOf(wxListCtrl& list) {
 }
 
 std::string Describe(wxWindow& window) {
-  std::string state = window.IsEnabled() ? "" : " (disabled)";
-  const wxWindow* const focus = wxWindow::FindFocus();
-  if (focus != nullptr && (focus == &window || focus->GetParent() == &window)) state += " (focus)";
-  const std::string label =
-      " \"" + Utf8(wxControl::RemoveMnemonics(window.GetLabel())) + "\"" + state;
+  std::string line = Utf8(window.GetClassInfo()->GetClassName());
+  line += " \"" + Utf8(wxControl::RemoveMnemonics(window.GetLabel())) + "\"";
+  if (!window.IsEnabled()) line += " (disabled)";
+  if (window.HasFocus()) line += " (focus)";
+  if (auto* const text = dynamic_cast<wxTextCtrl*>(&window)) line += " " + Utf8(text->GetValue());
   if (auto* const list = dynamic_cast<wxListCtrl*>(&window)) {
-    std::string text = "list" + state;
-    long item = 0;
-    for (const std::string& row : RowsOf(*list)) {
-      const bool selected = list->GetItemState(item++, wxLIST_STATE_SELECTED) != 0;
-      text += (selected ? "\n> " : "\n  ") + row;
-    }
-    return text;
+    for (const std::string& row : RowsOf(*list)) line += "\n  " + row;
   }
-  if (auto* const box = dynamic_cast<wxCheckBox*>(&window)) {
-    return (box->GetValue() ? "[x]" : "[ ]") + label;
-  }
-  if (auto* const option = dynamic_cast<wxRadioButton*>(&window)) {
-    return (option->GetValue() ? "(o)" : "( )") + label;
-  }
-  if (auto* const text = dynamic_cast<wxTextCtrl*>(&window)) {
-    return "text \"" + Utf8(text->GetValue()) + "\"" + state;
-  }
-  if (auto* const bar = dynamic_cast<wxGauge*>(&window)) {
-    return "bar " + std::to_string(bar->GetValue()) + " of " + std::to_string(bar->GetRange());
-  }
-  if (dynamic_cast<wxButton*>(&window) != nullptr) return "button" + label;
-  if (dynamic_cast<wxStaticText*>(&window) != nullptr) return "label" + label;
-  if (auto* const top = dynamic_cast<wxTopLevelWindow*>(&window)) {
-    return "window \"" + Utf8(top->GetTitle()) + "\"";
-  }
-  return "";
+  return line;
 }
 
-// Waits for an enabled control with this caption, and has `event` handled by it as if it were the
-// user's, once the windows' thread handles events.
-template <class Kind>
-void Send(const std::string& caption, const std::function<void(Kind&)>& act) {
-  Await("'" + caption + "', enabled", [&] {
-    auto* const control = Find<Kind>(caption);
-    if (control == nullptr || !control->IsEnabled()) return false;
-    act(*control);
-    return true;
-  });
-}
-
+// Has the event handled as if it were the user's, once the windows' thread handles events.
 void Post(wxControl& control, wxEventType type) {
   auto* const event = new wxCommandEvent(type, control.GetId());
   event->SetEventObject(&control);
@@ -211,10 +183,7 @@ std::string Message() {
 std::string Everything() {
   std::string all;
   for (wxWindow* const top : wxTopLevelWindows) {
-    Visit(*top, [&all](wxWindow& window) {
-      const std::string line = Describe(window);
-      if (!line.empty()) all += line + "\n";
-    });
+    Visit(*top, [&all](wxWindow& window) { all += Describe(window) + "\n"; });
   }
   return all.empty() ? "no window" : all;
 }
@@ -227,7 +196,11 @@ bool AtRest() {
 void AwaitRest() { Await("the end of the work in hand", AtRest); }
 
 void Begin(const std::string& button) {
-  Send<wxButton>(button, [](wxButton& found) { Post(found, wxEVT_BUTTON); });
+  Await("'" + button + "', enabled", [&] {
+    auto* const found = FindEnabled<wxButton>(button);
+    if (found != nullptr) Post(*found, wxEVT_BUTTON);
+    return found != nullptr;
+  });
 }
 
 void Press(const std::string& button) {
@@ -236,19 +209,18 @@ void Press(const std::string& button) {
 }
 
 void Switch(const std::string& check_box_or_option) {
-  const bool is_option =
-      Ask<bool>([&] { return Find<wxRadioButton>(check_box_or_option) != nullptr; });
-  if (is_option) {
-    Send<wxRadioButton>(check_box_or_option, [](wxRadioButton& option) {
-      option.SetValue(true);
-      Post(option, wxEVT_RADIOBUTTON);
-    });
-  } else {
-    Send<wxCheckBox>(check_box_or_option, [](wxCheckBox& box) {
-      box.SetValue(!box.GetValue());
-      Post(box, wxEVT_CHECKBOX);
-    });
-  }
+  Await("'" + check_box_or_option + "', enabled", [&] {
+    if (auto* const option = FindEnabled<wxRadioButton>(check_box_or_option)) {
+      option->SetValue(true);
+      Post(*option, wxEVT_RADIOBUTTON);
+      return true;
+    }
+    auto* const box = FindEnabled<wxCheckBox>(check_box_or_option);
+    if (box == nullptr) return false;
+    box->SetValue(!box->GetValue());
+    Post(*box, wxEVT_CHECKBOX);
+    return true;
+  });
   AwaitRest();
 }
 

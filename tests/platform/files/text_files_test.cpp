@@ -1,10 +1,10 @@
-// Lines of every kind of file that somebody may call a text.
-#include "platform/files/text_reader.h"
-
+// Text files: lines of every kind of file that somebody may call one, and what a written one holds.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/files/file_error.h"
+#include "platform/files/text_reader.h"
+#include "platform/files/text_writer.h"
 #include "tests/support/error_number.h"
 #include "tests/support/temporary_folder.h"
 
@@ -53,6 +53,31 @@ TEST(TextReaderTest, ErrorsHaveTheirClassicNumbers) {
             }),
             kInputPastEnd);
 }
+
+TEST(TextWriterTest, ReplacesOrAppends) {
+  const TemporaryFolder folder;
+  const auto path = folder.Write("log.txt", "an old and longer text");
+  TextWriter first(path);
+  first.WriteLine(L"a");
+  first.Write(L"b");
+  first.Flush();
+  EXPECT_EQ(test_support::ReadAll(path), "a\r\nb");
+  first.Close();
+  first.Close();
+  TextWriter(path, WriteMode::kAppend).WriteLine(L"c");
+  EXPECT_EQ(test_support::ReadAll(path), "a\r\nbc\r\n");
+}
+
+#ifdef __linux__
+TEST(TextWriterTest, AFullDiskIsReportedAtLatestByClose) {
+  TextWriter writer("/dev/full");
+  EXPECT_EQ(ErrorNumberOf([&] {
+              writer.WriteLine(L"lost");
+              writer.Close();
+            }),
+            kDiskFull);
+}
+#endif
 
 }  // namespace
 }  // namespace files

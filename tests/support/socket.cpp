@@ -1,30 +1,26 @@
 // A TCP socket on the loopback address.
 #include "tests/support/socket.h"
 
-#include <winsock2.h>
-
 #include <array>
 #include <stdexcept>
 #include <utility>
 
+#ifdef _WIN32
+#include "tests/support/windows/native_socket.h"
+#else
+#include "tests/support/posix/native_socket.h"
+#endif
+
 namespace test_support {
 namespace {
 
-void MakeLibraryReady() {
-  static const bool ready = [] {
-    WSADATA data{};
-    return WSAStartup(MAKEWORD(2, 2), &data) == 0;
-  }();
-  if (!ready) throw std::runtime_error("no sockets");
-}
-
-SOCKET Native(std::intptr_t native) { return static_cast<SOCKET>(native); }
+NativeSocket Native(std::intptr_t socket) { return static_cast<NativeSocket>(socket); }
 
 }  // namespace
 
 Socket Socket::Refuse() {
   MakeLibraryReady();
-  Socket socket(static_cast<std::intptr_t>(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP)));
+  Socket socket(static_cast<std::intptr_t>(::socket(AF_INET, kSocketType, 0)));
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -43,18 +39,13 @@ Socket Socket::Listen() {
 
 int Socket::Port() const {
   sockaddr_in address{};
-  int size = sizeof address;
+  AddressSize size = sizeof address;
   getsockname(Native(native_), reinterpret_cast<sockaddr*>(&address), &size);
   return ntohs(address.sin_port);
 }
 
 bool Socket::WaitForInput(std::chrono::milliseconds patience) const {
-  fd_set waiting{};
-  waiting.fd_count = 1;
-  waiting.fd_array[0] = Native(native_);
-  timeval limit{.tv_sec = static_cast<long>(patience.count() / 1000),
-                .tv_usec = static_cast<long>(patience.count() % 1000 * 1000)};
-  return select(0, &waiting, nullptr, nullptr, &limit) > 0;
+  return HasInput(Native(native_), static_cast<int>(patience.count()));
 }
 
 Socket Socket::Accept() const {
@@ -63,13 +54,14 @@ Socket Socket::Accept() const {
 
 std::string Socket::Receive() const {
   std::array<char, 4096> bytes{};
-  const int count = recv(Native(native_), bytes.data(), static_cast<int>(bytes.size()), 0);
+  const auto count = recv(Native(native_), bytes.data(), static_cast<int>(bytes.size()), 0);
   return count > 0 ? std::string(bytes.data(), static_cast<std::size_t>(count)) : std::string();
 }
 
 bool Socket::Send(std::string_view bytes) const {
   while (!bytes.empty()) {
-    const int count = send(Native(native_), bytes.data(), static_cast<int>(bytes.size()), 0);
+    const auto count =
+        send(Native(native_), bytes.data(), static_cast<int>(bytes.size()), kSendFlags);
     if (count <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
@@ -77,7 +69,7 @@ bool Socket::Send(std::string_view bytes) const {
 }
 
 void Socket::Close() {
-  if (IsOpen()) closesocket(Native(std::exchange(native_, kClosed)));
+  if (IsOpen()) CloseNative(Native(std::exchange(native_, kClosed)));
 }
 
 void Socket::Reset() {
