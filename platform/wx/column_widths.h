@@ -11,12 +11,14 @@
 namespace wx_windows {
 
 // Adds up the widths of characters, each measured once: measuring every text of a long list would
-// cost more than showing it. One list's; its font must not change.
+// cost more than showing it. One list's.
 class ColumnWidths {
  public:
   // `window` is the one to measure in, which must outlive this.
   explicit ColumnWidths(const wxWindow& window) : window_(window) {}
 
+  // The font is another one, or the display's scale. Begin must follow.
+  void ForgetCharacters() { characters_.clear(); }
   // Begins anew with these headings. `check_boxes`: in front of the first column's texts.
   void Begin(const std::vector<std::wstring>& headings, bool check_boxes);
   // A text stands in this column.

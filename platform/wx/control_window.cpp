@@ -15,6 +15,10 @@ namespace wx_windows {
 ControlWindow::ControlWindow(controls::Control& control, wxWindow& window, WorkGate& gate)
     : control_(control), window_(window), gate_(gate) {
   control_.Observe(this);
+  window_.Bind(wxEVT_DPI_CHANGED, [this](wxDPIChangedEvent& event) {
+    event.Skip();
+    PlaceAnew();
+  });
 }
 
 ControlWindow::~ControlWindow() { control_.Observe(nullptr); }
@@ -35,6 +39,13 @@ void ControlWindow::ControlChanged() {
   }
   if (needs_size) Arrange();
   if (appears && appeared) appeared();
+}
+
+// The toolkit has scaled fonts, sizers and smallest sizes, but no place that was given in pixels.
+void ControlWindow::PlaceAnew() {
+  if (window_.GetContainingSizer() != nullptr) return;
+  window_.SetSize(ToPixels(window_, place_));
+  window_.Layout();
 }
 
 void ControlWindow::Tell(const std::function<void()>& user_action) {

@@ -54,6 +54,7 @@ class ControlWindow : public controls::Control::Observer {
 
  private:
   void MirrorToolTip();
+  void PlaceAnew();
   void Arrange();
 
   controls::Control& control_;

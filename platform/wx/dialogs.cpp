@@ -14,10 +14,13 @@
 #include <wx/stockitem.h>
 #include <wx/textctrl.h>
 #include <wx/tokenzr.h>
+#include <wx/utils.h>
 
 #include <algorithm>
 
+#include "platform/text/runtime_error.h"
 #include "platform/text/strings.h"
+#include "platform/wx/clipboard.h"
 #include "platform/wx/conversion.h"
 #include "platform/wx/event_pump.h"
 #include "platform/wx/message_picture.h"
@@ -70,16 +73,24 @@ wxString BreakLongWords(wxWindow& window, const wxString& text, int width) {
 class MessageBox final : public wxDialog {
  public:
   MessageBox(const std::wstring& text, const std::wstring& caption, MessageKind kind)
-      : wxDialog(DialogParent(), wxID_ANY, ToToolkit(caption)) {
+      : wxDialog(DialogParent(), wxID_ANY, ToToolkit(caption)), kind_(kind) {
     auto* const message = new wxBoxSizer(wxHORIZONTAL);
     const int margin = FromDIP(kMargin);
-    message->Add(new wxStaticBitmap(this, wxID_ANY, MessagePicture(kind)),
+    message->Add(new wxStaticBitmap(this, wxID_ANY, MessagePicture(kind, *this)),
                  wxSizerFlags().Border(wxRIGHT, margin));
     message->Add(MakeText(text), wxSizerFlags(1).CentreVertical());
     auto* const whole = new wxBoxSizer(wxVERTICAL);
     whole->Add(message, wxSizerFlags().Expand().Border(wxALL, margin));
     whole->Add(buttons_, wxSizerFlags().Right().Border(wxLEFT | wxRIGHT | wxBOTTOM, margin));
     SetSizer(whole);
+    Bind(wxEVT_CHAR_HOOK, [this, whole_text = caption + L"\r\n\r\n" + text](wxKeyEvent& event) {
+      const bool copies = event.GetKeyCode() == 'C' && event.GetModifiers() == wxMOD_CONTROL;
+      if (copies && !SomeTextIsSelected()) {
+        CopyText(whole_text);
+      } else {
+        event.Skip();
+      }
+    });
   }
 
   // Answers with `id`. The button is the one that Enter presses, unless another one comes later.
@@ -101,10 +112,27 @@ class MessageBox final : public wxDialog {
     CentreOnParent();
     button_->SetDefault();
     button_->SetFocus();
+    SoundMessage(kind_);
     return ShowModal();
   }
 
  private:
+  // In a text that is scrolled, where the system copies that.
+  static bool SomeTextIsSelected() {
+    const auto* const text = dynamic_cast<wxTextCtrl*>(FindFocus());
+    return text != nullptr && !text->GetStringSelection().empty();
+  }
+
+  // For those who pass the message on. If another program does not let go of the clipboard, a
+  // message about that over this one would help nobody.
+  static void CopyText(const std::wstring& text) {
+    try {
+      Clipboard().SetText(text);
+    } catch (const text::RuntimeError&) {
+      wxBell();
+    }
+  }
+
   wxWindow* MakeText(const std::wstring& text) {
     const wxString shown = ToToolkit(text);
     const int width = FromDIP(kTextWidth);
@@ -119,6 +147,7 @@ class MessageBox final : public wxDialog {
                           wxSize(width, FromDIP(kScrolledHeight)), wxTE_MULTILINE | wxTE_READONLY);
   }
 
+  const MessageKind kind_;
   wxBoxSizer* buttons_ = new wxBoxSizer(wxHORIZONTAL);
   wxButton* button_ = nullptr;
 };
@@ -146,6 +175,13 @@ bool Prompt::AskYesNo(const std::wstring& text, const std::wstring& caption) {
   box.AddButton(wxID_NO, texts_.no);
   box.AddButton(wxID_YES, texts_.yes);
   return box.Ask(wxID_NO) == wxID_YES;
+}
+
+void LeaveMessageBoxes() {
+  for (wxWindow* const window : wxTopLevelWindows) {
+    auto* const dialog = dynamic_cast<wxDialog*>(window);
+    if (dialog != nullptr && dialog->IsModal()) dialog->EndModal(wxID_CANCEL);
+  }
 }
 
 std::optional<std::wstring> FileDialog::ChooseFile(const Request& request) {

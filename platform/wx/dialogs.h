@@ -40,4 +40,7 @@ class FileDialog final : public controls::FileDialog {
   WorkGate& gate_;
 };
 
+// Message boxes that wait for an answer go without one.
+void LeaveMessageBoxes();
+
 }  // namespace wx_windows

@@ -2,7 +2,6 @@
 #include "platform/wx/form_frame.h"
 
 #include <wx/app.h>
-#include <wx/dialog.h>
 #include <wx/radiobut.h>
 #include <wx/settings.h>
 #include <wx/statline.h>
@@ -13,6 +12,7 @@
 #include <variant>
 
 #include "platform/wx/conversion.h"
+#include "platform/wx/dialogs.h"
 
 namespace wx_windows {
 namespace {
@@ -39,14 +39,6 @@ bool FocusFirst(const wxWindow& parent) {
 
 bool TakesFocus(const wxWindow* window) {
   return window != nullptr && window->IsEnabled() && window->IsShownOnScreen();
-}
-
-// Work that waits for an answer goes on without one.
-void LeaveDialogs() {
-  for (wxWindow* const window : wxTopLevelWindows) {
-    auto* const dialog = dynamic_cast<wxDialog*>(window);
-    if (dialog != nullptr && dialog->IsModal()) dialog->EndModal(wxID_CANCEL);
-  }
 }
 
 // Whether Alt with this key, a capital letter or a digit, is for this window.
@@ -117,12 +109,12 @@ FormFrame::~FormFrame() {
 
 void FormFrame::MakeControls() {
   windows_.appeared = [this](wxWindow& window) { focus_in_ = &window; };
-  const std::int32_t header_height = HeaderHeight();
-  if (header_height > 0) MakeHeader(header_height);
+  header_height_ = HeaderHeight();
+  if (header_height_ > 0) MakeHeader();
   for (const controls::AnyControl control : form_.Controls()) {
     const std::int32_t top = std::visit([](auto* one) { return one->Place().top; }, control);
     const bool is_page = std::holds_alternative<controls::Page*>(control);
-    const bool on_header = !is_page && header_ != nullptr && top < header_height;
+    const bool on_header = !is_page && header_ != nullptr && top < header_height_;
     wxWindow& parent = on_header ? static_cast<wxWindow&>(*header_) : root_;
     ControlWindow& window = windows_.Make(control, parent);
     if (std::holds_alternative<controls::Button*>(control)) {
@@ -135,11 +127,19 @@ void FormFrame::MakeControls() {
   }
 }
 
-void FormFrame::MakeHeader(std::int32_t height) {
-  const int pixels = ToPixels(*this, height);
-  header_ = new wxPanel(&root_, wxID_ANY, wxPoint(0, 0), wxSize(GetClientSize().x, pixels));
+void FormFrame::MakeHeader() {
+  header_ = new wxPanel(&root_);
+  header_line_ = new wxStaticLine(header_);
+  PlaceHeader();
+}
+
+// As wide as the frame is now, at the scale of the display that it is on.
+void FormFrame::PlaceHeader() {
+  if (header_ == nullptr) return;
   const int line = 1;
-  new wxStaticLine(header_, wxID_ANY, wxPoint(0, pixels - line), wxSize(GetClientSize().x, line));
+  const wxSize size(GetClientSize().x, ToPixels(*this, header_height_));
+  header_->SetSize(0, 0, size.x, size.y);
+  header_line_->SetSize(0, size.y - line, size.x, line);
 }
 
 // As the system's colours are now.
@@ -150,7 +150,7 @@ void FormFrame::ColourHeader() {
   header_->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
   for (wxWindow* const child : header_->GetChildren()) {
     wxWindow& part = *child;
-    if (dynamic_cast<wxStaticLine*>(&part) == nullptr) part.SetBackgroundColour(background);
+    if (&part != header_line_) part.SetBackgroundColour(background);
   }
   header_->Refresh();
 }
@@ -227,12 +227,7 @@ void FormFrame::ReportSize() {
     form_.SetScreen(ToTwips(*this, wxGetDisplaySize()));
     form_.Resized(ToTwips(*this, GetSize()), ToTwips(*this, GetClientSize()));
   });
-  if (header_ == nullptr) return;
-  const int width = GetClientSize().x;
-  header_->SetSize(width, header_->GetSize().y);
-  for (wxWindow* const child : header_->GetChildren()) {
-    if (dynamic_cast<wxStaticLine*>(child) != nullptr) child->SetSize(width, child->GetSize().y);
-  }
+  PlaceHeader();
 }
 
 void FormFrame::ReportSizeLater() {
@@ -285,22 +280,23 @@ void FormFrame::KeepFocus() {
 }
 
 void FormFrame::OnClose(wxCloseEvent& event) {
-  // At the end of the user's session nobody is asked.
-  const bool must = !event.CanVeto();
+  if (!event.CanVeto()) return End();
   if (!gate_.Working()) {
-    gate_.Work([&] { must ? form_.Unload() : static_cast<void>(form_.Close()); });
+    gate_.Work([&] { form_.Close(); });
     if (!form_.Unloaded()) event.Veto();
     return;
   }
-  if (!must) {
-    event.Veto();
-    bool permitted = false;
-    gate_.Guard([&] { permitted = form_.MayBeClosed(); });
-    if (!permitted || gate_.InDialog()) return;
-  }
+  event.Veto();
+  bool permitted = false;
+  gate_.Guard([&] { permitted = form_.MayBeClosed(); });
+  if (permitted && !gate_.InDialog()) End();
+}
+
+void FormFrame::End() {
   gate_.End();
-  LeaveDialogs();
+  LeaveMessageBoxes();
   Hide();
+  if (!gate_.Working() && !gate_.InDialog()) AfterWork();
 }
 
 void FormFrame::OnKey(wxKeyEvent& event) {

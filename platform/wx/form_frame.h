@@ -29,6 +29,9 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   FormFrame(const FormFrame&) = delete;
   FormFrame& operator=(const FormFrame&) = delete;
 
+  // Ends the work in hand and unloads the form, without asking anybody.
+  void End();
+
   // Told when it is about to go.
   std::function<void()> gone;
 
@@ -42,7 +45,8 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   void FormUnloaded() override;
 
   void MakeControls();
-  void MakeHeader(std::int32_t height);
+  void MakeHeader();
+  void PlaceHeader();
   void ColourHeader();
   std::int32_t HeaderHeight();
   void FixWidth();
@@ -67,8 +71,10 @@ class FormFrame final : public wxFrame, private controls::Form::Window {
   ControlWindows windows_;
   wxPanel& root_;
   wxPanel* header_ = nullptr;
-  std::int32_t width_ = 0;  // as fixed last, in twips
-  std::int32_t left_ = 0;   // as moved to last
+  wxWindow* header_line_ = nullptr;
+  std::int32_t header_height_ = 0;  // in twips
+  std::int32_t width_ = 0;          // as fixed last, in twips
+  std::int32_t left_ = 0;           // as moved to last
   std::int32_t top_ = 0;
   controls::Form::WindowState state_ = controls::Form::WindowState::kNormal;  // as mirrored last
   std::optional<Clock::time_point> appeared_at_;  // until the window is in its place

@@ -62,6 +62,12 @@ void ListWindow::BindEvents() {
     event.Skip();
     ShowWholeText(native_.ScreenToClient(native_.Canvas().ClientToScreen(event.GetPosition())));
   });
+  native_.Bind(wxEVT_DPI_CHANGED, [this](wxDPIChangedEvent& event) {
+    event.Skip();
+    widths_.ForgetCharacters();
+    columns_changed_ = true;
+    ShowLater();
+  });
   native_.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     ShowLater();

@@ -1,12 +1,17 @@
-// The picture of a message box, as the system draws it.
+// The picture and the sound of a message box, as the system has them.
 #pragma once
 
 #include <wx/bmpbndl.h>
+#include <wx/window.h>
 
 namespace wx_windows {
 
 enum class MessageKind { kError, kQuestion };
 
-wxBitmapBundle MessagePicture(MessageKind kind);
+// For this window, at the scale of the display that it is on.
+wxBitmapBundle MessagePicture(MessageKind kind, const wxWindow& window);
+
+// The sound that goes with it, where the system has one.
+void SoundMessage(MessageKind kind);
 
 }  // namespace wx_windows

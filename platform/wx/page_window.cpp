@@ -26,9 +26,20 @@ class PageWindow final : public ControlWindow {
   }
 };
 
-wxFlexGridSizer& NewColumn(const wxWindow& window) {
-  auto* const column = new wxFlexGridSizer(1, window.FromDIP(wxSize(0, kGap)));
+// The sizer must belong to the window. The toolkit does not scale what is between parts of a sizer.
+void KeepGap(wxWindow& window, wxFlexGridSizer& sizer, const wxSize& gap) {
+  window.Bind(wxEVT_DPI_CHANGED, [&window, &sizer, gap](wxDPIChangedEvent& event) {
+    event.Skip();
+    sizer.SetHGap(window.FromDIP(gap).x);
+    sizer.SetVGap(window.FromDIP(gap).y);
+  });
+}
+
+wxFlexGridSizer& NewColumn(wxWindow& window) {
+  const wxSize gap(0, kGap);
+  auto* const column = new wxFlexGridSizer(1, window.FromDIP(gap));
   column->AddGrowableCol(0);
+  KeepGap(window, *column, gap);
   return *column;
 }
 
@@ -152,8 +163,10 @@ void ControlWindows::AddPart(const controls::Layout& part, wxWindow& parent, wxS
       break;
     }
     case Kind::kRow: {
+      const wxSize gap(kGap, 0);
       auto* const row =
-          new wxFlexGridSizer(static_cast<int>(part.parts.size()), parent.FromDIP(wxSize(kGap, 0)));
+          new wxFlexGridSizer(static_cast<int>(part.parts.size()), parent.FromDIP(gap));
+      KeepGap(parent, *row, gap);
       AddRow(part.parts, parent, *row);
       sizer.Add(row, flags);
       break;

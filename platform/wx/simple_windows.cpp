@@ -1,6 +1,8 @@
 // The windows of all controls but lists and pages.
 #include "platform/wx/simple_windows.h"
 
+#include <wx/utils.h>
+
 #include <cstdint>
 
 #include "platform/wx/conversion.h"
@@ -35,6 +37,13 @@ wxTextCtrl& MakeTextBox(const controls::TextBox& box, wxWindow& parent) {
     text->SetDefaultStyle(look);
   }
   return *text;
+}
+
+bool ArrowKeyIsDown() {
+  for (const wxKeyCode key : {WXK_UP, WXK_DOWN, WXK_LEFT, WXK_RIGHT}) {
+    if (wxGetKeyState(key)) return true;
+  }
+  return false;
 }
 
 // Whether the label was another one.
@@ -115,11 +124,23 @@ OptionButtonWindow::OptionButtonWindow(controls::OptionButton& button, bool begi
                     gate),
       button_(button),
       native_(static_cast<wxRadioButton&>(Window())) {
-  native_.Bind(wxEVT_RADIOBUTTON, [this, &button](wxCommandEvent&) {
-    Tell([&] { button.Choose(); });
-    if (chosen) chosen();
+  native_.Bind(wxEVT_RADIOBUTTON, [this](wxCommandEvent&) { Choose(); });
+  // Not every system chooses the button that an arrow key gives the focus.
+  native_.Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+    event.Skip();
+    if (!ArrowKeyIsDown()) return;
+    native_.CallAfter([this] {
+      if (!native_.HasFocus() || native_.GetValue()) return;
+      native_.SetValue(true);
+      Choose();
+    });
   });
   ControlChanged();
+}
+
+void OptionButtonWindow::Choose() {
+  Tell([&] { button_.Choose(); });
+  if (chosen) chosen();
 }
 
 bool OptionButtonWindow::MirrorKind() {

@@ -76,8 +76,9 @@ class OptionButtonWindow final : public ControlWindow {
 
  private:
   bool MirrorKind() override;
+  void Choose();
 
-  const controls::OptionButton& button_;
+  controls::OptionButton& button_;
   wxRadioButton& native_;
 };
 

@@ -14,6 +14,7 @@
 #include "platform/wx/event_pump.h"
 #include "platform/wx/form_frame.h"
 #include "platform/wx/repeated_input.h"
+#include "platform/wx/session_end.h"
 #include "platform/wx/work_gate.h"
 
 namespace wx_windows {
@@ -108,7 +109,14 @@ class WindowSystem::Parts {
   wx_windows::Prompt prompt{texts, gate};
   wx_windows::FileDialog file_dialog{texts, prompt, gate};
   wx_windows::Clipboard clipboard;
-  bool loaded = false;
+  FormFrame* frame = nullptr;  // while there is one
+
+  // Nobody is asked, and dialogs that wait are left without an answer.
+  void EndSession() {
+    if (frame != nullptr) return frame->End();
+    gate.End();
+    LeaveMessageBoxes();
+  }
 };
 
 WindowSystem::WindowSystem(Program program) : parts_(std::make_unique<Parts>(std::move(program))) {}
@@ -124,9 +132,9 @@ void WindowSystem::Load(controls::Form& form) {
   // The toolkit owns its frames.
   auto* const frame = new FormFrame(form, parts_->gate, ReadIcons(parts_->program.icon));
   wxTheApp->SetTopWindow(frame);
-  parts_->loaded = true;
+  parts_->frame = frame;
   frame->gone = [this] {
-    parts_->loaded = false;
+    parts_->frame = nullptr;
     wxTheApp->ExitMainLoop();
   };
 }
@@ -138,6 +146,7 @@ int WindowSystem::Run(const std::function<bool()>& start) {
                  parts_->program.name.c_str());
     return 1;
   }
+  const SessionEnd session_end([this] { parts_->EndSession(); });
   bool started = false;
   const bool whole = parts_->gate.Work([&] { started = start(); });
   EndBusyCursor();
@@ -147,7 +156,7 @@ int WindowSystem::Run(const std::function<bool()>& start) {
     wxTheApp->Yield(true);
     EndBusyCursor();
   };
-  if (parts_->loaded) wxTheApp->OnRun();
+  if (parts_->frame != nullptr) wxTheApp->OnRun();
   return 0;
 }
 

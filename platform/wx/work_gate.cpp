@@ -33,18 +33,24 @@ bool WorkGate::Work(const std::function<void()>& work) {
 bool WorkGate::WorkingLong() const { return working_ && Clock::now() - begin_ > kLong; }
 
 bool WorkGate::Guard(const std::function<void()>& code) {
+  bool done = false;
   try {
     code();
-    return true;
+    done = true;
   } catch (...) {
     // What comes out of work that was ended is how it ended.
-    if (ending_) return false;
-    try {
-      report_error_();
-    } catch (...) {
-      return false;
-    }
-    return false;
+    if (!ending_) ReportError();
+  }
+  // The end came to a message about that error, with no work in hand.
+  if (ending_ && !working_ && !InDialog() && after_work) after_work();
+  return done;
+}
+
+void WorkGate::ReportError() const {
+  try {
+    report_error_();
+  } catch (...) {
+    return;
   }
 }
 

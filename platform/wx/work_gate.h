@@ -34,7 +34,8 @@ class WorkGate {
   // For what must be done even while the program works: only keeps its exceptions.
   bool Guard(const std::function<void()>& code);
 
-  // The user has closed the form: the work that is running ends at its next CheckEnd.
+  // The user has closed the form, or the session ends: the work that is running ends at its next
+  // CheckEnd.
   void End() { ending_ = true; }
   bool Ending() const { return ending_; }
 
@@ -55,6 +56,8 @@ class WorkGate {
   void CheckEnd() const;
 
  private:
+  void ReportError() const;
+
   std::function<void()> end_work_;
   std::function<void()> report_error_;
   bool working_ = false;

@@ -14,11 +14,6 @@ using testing::HasSubstr;
 
 class ClosingTest : public WindowWalk {
  protected:
-  // The only update that is offered.
-  void OfferOnly(const std::string& name, const std::string& update) const {
-    fs::remove_all(updates);
-    folder.Write(updates / name, update);
-  }
   static void CloseWhen(const std::string& what, const std::function<bool()>& there) {
     Await(what, [&] {
       if (!there()) return false;
@@ -26,24 +21,10 @@ class ClosingTest : public WindowWalk {
       return true;
     });
   }
-  void ExpectCleanEnd() const {
-    EXPECT_THAT(Files(), testing::ElementsAre("Orv.pt", "paplog.txt", "program", "registry.reg",
-                                              "welkom.txt"));
-    EXPECT_EQ(Setting("PTLocation"), "(none)") << "the choices are not stored";
-    ExpectSound();
-  }
 };
 
-// An update of the tubes that the product table has.
-std::string UpdateOf(const std::string& lines) {
-  return "[VERSION]\r\n3.2\r\n[ASSORTMENTCODE]\r\nBUIS\r\n[ASSORTMENTDESCRIPTION]\r\nBuizen\r\n"
-         "[SUPPLIERCODE]\r\nBRUGMEER\r\n[SUPPLIERDESCRIPTION]\r\nBrugmeer\r\n"
-         "[DATE]\r\n20260105\r\n" +
-         lines;
-}
-
 TEST_F(ClosingTest, InALineThatNeverEnds) {
-  OfferOnly("1.PRC", UpdateOf("[NEW SUPPLIER]\r\n\"A field that is never closed\r\n"));
+  OfferOnly("[NEW SUPPLIER]\r\n\"A field that is never closed\r\n");
   Walk([&] {
     GoToSelect();
     Begin(kNext);
@@ -53,16 +34,11 @@ TEST_F(ClosingTest, InALineThatNeverEnds) {
 }
 
 TEST_F(ClosingTest, InAnImport) {
-  std::string lines = "[NEW SUPPLIER]\r\n";
-  for (int number = 0; number < 20'000; ++number) {
-    lines += "S" + std::to_string(number) + ",Supplier,0,0\r\n";
-  }
-  OfferOnly("1.PRC", UpdateOf(lines));
+  OfferLongUpdate();
   Walk([&] {
     GoToSelect();
     Begin(kNext);
-    CloseWhen("an import under way",
-              [] { return Title() == kImport && Progress() > 0.2 && Progress() < 0.9; });
+    CloseWhen("an import under way", AmidImport);
   });
   ExpectCleanEnd();
 }

@@ -36,7 +36,7 @@ TEST_F(KeyboardTest, FromTheWelcomeToTheFinish) {
     AwaitStep(kProcessed);
     Keys("Return");
     AwaitStep(kDownload);
-    Keys("alt+d");
+    Keys("Down");
     Await("not to check", [] { return AtRest() && IsOn(kDoNotCheck); });
     Keys("Return");
     AwaitStep(kSelect);

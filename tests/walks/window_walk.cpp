@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 using test_support::ReadAll;
 
-constexpr wchar_t kUserKey[] = LR"(Software\Velkor Software\Orvane\3.2\PAP32)";
+constexpr char kUserKey[] = R"(Software\Velkor Software\Orvane\3.2\PAP32)";
 
 }  // namespace
 
@@ -61,6 +61,32 @@ std::string WindowWalk::Served(const std::string& path) const {
   return ReadAll(on_server / name);
 }
 
+void WindowWalk::OfferOnly(const std::string& lines) const {
+  fs::remove_all(updates);
+  folder.Write(updates / "1.PRC",
+               "[VERSION]\r\n3.2\r\n[ASSORTMENTCODE]\r\nBUIS\r\n[ASSORTMENTDESCRIPTION]\r\n"
+               "Buizen\r\n[SUPPLIERCODE]\r\nBRUGMEER\r\n[SUPPLIERDESCRIPTION]\r\nBrugmeer\r\n"
+               "[DATE]\r\n20260105\r\n" +
+                   lines);
+}
+
+void WindowWalk::OfferLongUpdate() const {
+  std::string lines = "[NEW SUPPLIER]\r\n";
+  for (int number = 0; number < 20'000; ++number) {
+    lines += "S" + std::to_string(number) + ",Supplier,0,0\r\n";
+  }
+  OfferOnly(lines);
+}
+
+bool WindowWalk::AmidImport() { return Title() == kImport && Progress() > 0.2 && Progress() < 0.9; }
+
+void WindowWalk::ExpectCleanEnd() const {
+  EXPECT_THAT(Files(), testing::ElementsAre("Orv.pt", "paplog.txt", "program", "registry.reg",
+                                            "welkom.txt"));
+  EXPECT_EQ(Setting("PTLocation"), "(none)") << "the choices are not stored";
+  ExpectSound();
+}
+
 void WindowWalk::ExpectStep(const std::string& title, const std::string& buttons) {
   EXPECT_EQ(Ask<std::string>(Title), title);
   EXPECT_EQ(Ask<std::string>(Buttons), buttons);
@@ -87,9 +113,7 @@ void WindowWalk::CheckOnly(const std::vector<std::size_t>& rows) {
 }
 
 std::string WindowWalk::Setting(const std::string& name) const {
-  const auto value =
-      registry_->Read(registry::RootKey::kCurrentUser, kUserKey, text::Utf8ToWide(name));
-  return value ? text::WideToUtf8(std::get<std::wstring>(*value)) : "(none)";
+  return UserSetting(*registry_, kUserKey, name).value_or("(none)");
 }
 
 std::vector<std::string> WindowWalk::Register() const {

@@ -48,6 +48,10 @@ class WindowWalk : public testing::Test {
   // Before it: what the server does with a request; by itself it offers the files of the folder
   // `server` of the installation.
   test_support::ScriptedServer::Answer answer;
+  // Before it: the only update that is offered has these lines; so many that its import takes a
+  // while.
+  void OfferOnly(const std::string& lines) const;
+  void OfferLongUpdate() const;
 
   // For scripts, which look where the robot may and then expect.
   static void ExpectStep(const std::string& title, const std::string& buttons);
@@ -57,6 +61,8 @@ class WindowWalk : public testing::Test {
   static void GoTo(const std::string& title);
   // To the select page, without asking the server, and without backups of the product table.
   static void GoToSelect();
+  // Whether an import is under way; on the windows' thread.
+  static bool AmidImport();
   // Checks these rows of the list and no others.
   static void CheckOnly(const std::vector<std::size_t>& rows);
 
@@ -69,6 +75,9 @@ class WindowWalk : public testing::Test {
   std::vector<std::string> Files() const;
   // As another program opens the product table.
   static jet::OpenOptions WithPassword();
+  // What a program leaves that was closed in the middle of its work: a product table that is sound,
+  // and no file that it had made for the while.
+  void ExpectCleanEnd() const;
   // The product table passes the check of its file; the independent readers get a copy.
   void ExpectSound() const;
 

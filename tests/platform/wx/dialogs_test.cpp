@@ -1,6 +1,8 @@
 // Message boxes.
 #include <wx/app.h>
 #include <wx/button.h>
+#include <wx/clipbrd.h>
+#include <wx/dataobj.h>
 #include <wx/datetime.h>
 #include <wx/dialog.h>
 #include <wx/uiaction.h>
@@ -75,6 +77,24 @@ TEST_F(DialogsTest, HeldKeyThatBeganTheWorkDoesNotAnswer) {
     hand.KeyDown(WXK_RETURN);
     Settle();
   });
+}
+
+TEST_F(DialogsTest, MessageIsCopiedAsAWhole) {
+  form.next.Click = [&] {
+    InDialog([](wxDialog&) {
+      Key('C', wxMOD_CONTROL);
+      wxTextDataObject copied;
+      ASSERT_TRUE(wxTheClipboard->Open());
+      wxTheClipboard->GetData(copied);
+      wxTheClipboard->Close();
+      wxString text = copied.GetText();
+      text.Replace("\r", "");
+      EXPECT_EQ("Orvane\n\nCannot open\nOrv.pt", text);
+      Key(WXK_RETURN);
+    });
+    windows.Prompt().ShowMessage(L"Cannot open\r\nOrv.pt", L"Orvane");
+  };
+  Run([&] { Click(WindowOf<wxWindow>(form.next)); });
 }
 
 TEST_F(DialogsTest, LongMessageFitsTheScreen) {

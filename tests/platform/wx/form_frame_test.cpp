@@ -2,6 +2,9 @@
 #include <wx/checkbox.h>
 #include <wx/textctrl.h>
 
+#include <utility>
+#include <vector>
+
 #include "tests/platform/wx/window_test.h"
 
 namespace {
@@ -115,6 +118,21 @@ TEST_F(FormFrameTest, ButtonsGrowWithTheirCaptionsBeforeTheFormIsToldItsSize) {
     ASSERT_TRUE(Wait([&] { return width > 1650; }));
     const wxWindow& native = WindowOf<wxWindow>(form.next);
     EXPECT_GE(native.GetSize().x, native.GetBestSize().x);
+  });
+}
+
+// What a page does not arrange has its place in pixels, which are those of the scale before.
+TEST_F(FormFrameTest, EverythingIsPlacedAnewForAnotherScale) {
+  Run([&] {
+    wxWindow& title = WindowOf<wxWindow>(form.title);
+    std::vector<std::pair<wxWindow*, wxRect>> places;
+    for (wxWindow* const window : {&title, title.GetParent(), &WindowOf<wxWindow>(form.page),
+                                   &WindowOf<wxWindow>(form.next)}) {
+      places.emplace_back(window, window->GetRect());
+      window->SetSize(1, 1, 20, 20);
+    }
+    ChangeScale();
+    for (const auto& [window, place] : places) EXPECT_EQ(place, window->GetRect());
   });
 }
 

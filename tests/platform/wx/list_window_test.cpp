@@ -91,6 +91,16 @@ TEST_F(ListWindowTest, WideColumnGivesWayAndTellsItsWholeText) {
   });
 }
 
+TEST_F(ListWindowTest, ColumnsAreMeasuredAnewForAnotherScale) {
+  list.AddItem({.text = std::wstring(20, L'W'), .sub_items = {L"short"}});
+  Run([&] {
+    wxListCtrl& native = NativeList(list);
+    native.SetFont(native.GetFont().Scaled(1.5F));
+    ChangeScale();
+    EXPECT_GE(native.GetColumnWidth(0), native.GetTextExtent(wxString('W', 20)).x);
+  });
+}
+
 TEST_F(ListWindowTest, EmptyListSaysWhy) {
   list.SetEmptyText(L"Nothing & nobody");
   Run([&] {

@@ -82,6 +82,16 @@ wxListCtrl& WindowTest::NativeList(const controls::ListView& list) const {
   return dynamic_cast<wxListCtrl&>(*WindowOf<wxWindow>(list).GetChildren().GetFirst()->GetData());
 }
 
+void WindowTest::ChangeScale() const {
+  const std::function<void(wxWindow&)> tell = [&](wxWindow& window) {
+    for (wxWindow* const child : window.GetChildren()) tell(*child);
+    wxDPIChangedEvent event(window.GetDPI(), window.GetDPI());
+    window.HandleWindowEvent(event);
+  };
+  tell(Frame());
+  Settle();
+}
+
 void WindowTest::Click(const wxWindow& window, wxPoint at) {
   const wxSize size = window.GetSize();
   const wxPoint inside = at == wxDefaultPosition ? wxPoint(size.x / 2, size.y / 2) : at;

@@ -62,6 +62,9 @@ class WindowTest : public testing::Test {
   }
   wxListCtrl& NativeList(const controls::ListView& list) const;
 
+  // The windows come to a display of another scale, as the toolkit tells them.
+  void ChangeScale() const;
+
   // The user's hands. `at`: where in the window, or in its middle.
   static void Click(const wxWindow& window, wxPoint at = wxDefaultPosition);
   static void DoubleClick(const wxWindow& window);

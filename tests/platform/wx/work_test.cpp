@@ -1,5 +1,8 @@
 // What the user can do while the program works, and what not.
 #include <wx/checkbox.h>
+#ifdef _WIN32
+#include <wx/msw/wrapwin.h>
+#endif
 #include <wx/textctrl.h>
 #include <wx/uiaction.h>
 
@@ -27,6 +30,19 @@ class WorkTest : public WindowTest {
   void WorkFor(std::chrono::milliseconds time) {
     const auto end = std::chrono::steady_clock::now() + time;
     WorkUntil([end] { return std::chrono::steady_clock::now() > end; });
+  }
+
+  // As the system does.
+  void EndSession() {
+#ifdef _WIN32
+    HWND window = Frame().GetHandle();
+    EXPECT_EQ(1, SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+    SendMessageW(window, WM_ENDSESSION, FALSE, 0);  // another program has refused
+    EXPECT_TRUE(Frame().IsShown());
+    SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+#else
+    Frame().Close(true);
+#endif
   }
 
   controls::CheckBox box;
@@ -111,7 +127,7 @@ TEST_F(WorkTest, EndOfTheSessionEndsWorkThatMayNotBeClosedAndWaitsForAnAnswer) {
   form.MayClose = [] { return false; };
   bool answer = true;
   form.next.Click = [&] {
-    Frame().CallAfter([this] { Frame().Close(true); });
+    Frame().CallAfter([this] { EndSession(); });
     answer = windows.Prompt().AskYesNo(L"Shall I?", L"Orvane");
     EXPECT_FALSE(form.Unloaded());
     windows.EventPump().DoEvents();

@@ -1,0 +1,11 @@
+// The end of the user's session: the display goes away, and nobody is told before.
+#include "platform/wx/session_end.h"
+
+namespace wx_windows {
+
+class SessionEnd::Parts {};
+
+SessionEnd::SessionEnd(std::function<void()>) {}
+SessionEnd::~SessionEnd() = default;
+
+}  // namespace wx_windows
