@@ -21,8 +21,9 @@ struct CheckReport {
   std::vector<std::string> notes;
 };
 
-// Reads the file only. Throws only what opening throws, and kIo; damage beyond that becomes
-// problems. Both lists end early, with the number of further lines, when they grow long.
+// Reads the file only, once a commit that was cut off is taken back. Throws only what opening
+// throws, and kIo; damage beyond that becomes problems. Both lists end early, with the number of
+// further lines, when they grow long.
 CheckReport CheckFile(const std::filesystem::path& path, const OpenOptions& options = {});
 // The same over pages that the caller supplies.
 CheckReport CheckPages(std::unique_ptr<PageStore> store, const OpenOptions& options = {});

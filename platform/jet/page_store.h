@@ -24,7 +24,9 @@ class PageStore {
   virtual void Sync() = 0;
 };
 
-enum class OpenMode { kReadWrite, kReadOnly, kCreate };
+// kMend is kReadWrite for a file that may end within a page, as a process can leave it that was
+// killed while the file grew: that page counts as not there.
+enum class OpenMode { kReadWrite, kReadOnly, kCreate, kMend };
 
 // Opens the file as its only owner. On Windows others may read it meanwhile (our own backups do),
 // elsewhere an advisory whole-file lock keeps other owners out; no lock file is made, but one of

@@ -214,7 +214,8 @@ struct Pager::Impl {
       writes.push_back({change.number, first ? as_stored(change.number, *change.before) : nullptr,
                         as_stored(change.number, *change.after)});
     }
-    journal->Keep(page_count_before, writes);
+    const Buffer page_zero = Load(0).bytes;
+    journal->Keep(page_count_before, *page_zero, writes);
   }
 
   // The page's change in a batch; nothing when it has none there.

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "platform/jet/page_store.h"
@@ -34,23 +35,30 @@ class UndoJournal {
   UndoJournal& operator=(const UndoJournal&) = delete;
 
   // To be called before the first of a commit's writes, with all of them in order; `page_count` is
-  // the file's before them. Nothing marks the end: a commit whose pages are all in the file was
-  // whole. kDiskFull when it cannot be written; the commit must then not begin.
-  void Keep(PageNumber page_count, const std::vector<JournalledWrite>& writes);
+  // the file's before them, and by `page_zero` it is told later whether another program has written
+  // to the file since. Nothing marks the end: a commit whose pages are all in the file was whole.
+  // kDiskFull when it cannot be written; the commit must then not begin.
+  void Keep(PageNumber page_count, const PageBytes& page_zero,
+            const std::vector<JournalledWrite>& writes);
 
   // Leaves the file as it is: the commit failed and could not be put back either.
   void Leave() noexcept;
 
  private:
+  bool Put(std::span<const std::byte> bytes);  // over what the file has
+
   std::filesystem::path path_;
   std::filebuf file_;
-  bool unavailable_ = false;  // or of no more use
-  std::vector<char> body_;    // reused
+  bool unavailable_ = false;      // or of no more use
+  std::vector<std::byte> bytes_;  // reused
 };
 
 // As OpenPageStore, after the commit that a killed process has left half done in the file is taken
-// back. A journal that does not belong to the file's present contents is dropped. kReadOnly when a
-// commit has to be taken back and the file may not be written.
+// back. A journal that does not belong to the file's present contents is dropped, and the file left
+// as it is. kReadOnly when a commit has to be taken back and the file may not be written.
+// kCannotOpen and kIo when there is a journal that cannot be read, kCannotOpen also when one of no
+// more use can neither be removed nor emptied before the file is to be changed (names: the
+// journal).
 std::unique_ptr<PageStore> OpenRecovered(const std::filesystem::path& database, OpenMode mode);
 
 }  // namespace jet

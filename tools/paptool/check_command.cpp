@@ -33,8 +33,9 @@ void AddCheckCommand(CLI::App& app, Work& work) {
   auto options = std::make_shared<ProductTableOptions>();
   AddProductTableOptions(*command, *options);
   command->footer(
-      "Reads only. Prints one line and exits with 0 when the file is sound, otherwise a\n"
-      "line a problem, and exits with 1.");
+      "Reads only, but that a change which was cut off is taken back first. Prints one\n"
+      "line and exits with 0 when the file is sound, otherwise a line a problem, and\n"
+      "exits with 1.");
   command->callback([&work, options] { work = [options] { return Check(*options); }; });
 }
 

@@ -151,7 +151,7 @@ std::unique_ptr<PageStore> OpenPageStore(const std::filesystem::path& path, Open
     Descriptor file;
     if (!read_only) {
       file = TryOpen(path, mode == OpenMode::kCreate ? O_RDWR | O_CREAT | O_EXCL : O_RDWR);
-      read_only = !file.is_open() && mode == OpenMode::kReadWrite && ForbidsWriting(errno);
+      read_only = !file.is_open() && mode != OpenMode::kCreate && ForbidsWriting(errno);
     }
     if (read_only) file = TryOpen(path, O_RDONLY);
     if (!file.is_open()) ThrowOpen(errno, path);
@@ -173,8 +173,9 @@ std::unique_ptr<PageStore> OpenPageStore(const std::filesystem::path& path, Open
     if (fstat(file.get(), &status) != 0) ThrowOpen(errno, path);
     const auto size = static_cast<std::uintmax_t>(status.st_size);
     const std::uintmax_t pages = size / kPageSize;
+    const bool ends_well = size % kPageSize == 0 || mode == OpenMode::kMend;
     if (mode != OpenMode::kCreate &&
-        (size % kPageSize != 0 || pages < kFewestPages || pages > usage_map::kMaxPages))
+        (!ends_well || pages < kFewestPages || pages > usage_map::kMaxPages))
       throw Error(ErrorKind::kNotADatabase, {path.u16string()}, "not a whole number of pages");
     return std::make_unique<FilePageStore>(std::move(file), static_cast<PageNumber>(pages),
                                            read_only);

@@ -210,7 +210,8 @@ std::unique_ptr<PageStore> OpenPageStore(const std::filesystem::path& path, Open
   if (GetFileSizeEx(file.get(), &size) == 0) ThrowOpen(GetLastError(), path);
   const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
   const std::uint64_t pages = bytes / kPageSize;
-  if (!create && (bytes % kPageSize != 0 || pages < kFewestPages || pages > usage_map::kMaxPages))
+  const bool ends_well = bytes % kPageSize == 0 || mode == OpenMode::kMend;
+  if (!create && (!ends_well || pages < kFewestPages || pages > usage_map::kMaxPages))
     throw Error(ErrorKind::kNotADatabase, {path.u16string()}, "not a whole number of pages");
   return std::make_unique<FilePageStore>(std::move(file), static_cast<PageNumber>(pages),
                                          read_only);

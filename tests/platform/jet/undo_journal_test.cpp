@@ -64,8 +64,8 @@ class RecordingStore final : public PageStore {
   std::unique_ptr<PageStore> store_;
 };
 
-void Fill(Pager& pager, PageNumber number, char letter) {
-  ByteEditor page = number < pager.page_count() ? pager.Edit(number) : pager.EditNew(number);
+void Fill(Pager& pager, PageNumber number, char letter, WriteOrder order = WriteOrder::kChanged) {
+  ByteEditor page = number < pager.page_count() ? pager.Edit(number) : pager.EditNew(number, order);
   std::ranges::fill(page.Slice(0, kPageSize), static_cast<std::byte>(letter));
 }
 
@@ -78,11 +78,14 @@ class UndoJournalTest : public testing::TestWithParam<std::uint32_t> {
                                      std::make_unique<UndoJournal>(file_));
   }
 
-  // Changes pages, the same one in two batches, and makes the file grow by two.
+  // Changes pages, the same one in two batches, and makes the file grow by two, the last page
+  // first.
   void Commit(char letter) {
     PageTransaction transaction(*pager_);
     for (const PageNumber page : {1U, 3U, 4U}) Fill(*pager_, page, letter);
-    Fill(*pager_, pager_->page_count() + 1, letter);
+    const PageNumber end = pager_->page_count();
+    Fill(*pager_, end, letter, WriteOrder::kAdditions);
+    Fill(*pager_, end + 1, letter, WriteOrder::kNewPages);
     pager_->Defer(CleanUp::kUnreferenced, [this, letter] {
       Fill(*pager_, 3, static_cast<char>(letter + 1));
       Fill(*pager_, 5, letter);
@@ -111,7 +114,9 @@ TEST_P(UndoJournalTest, ACommitCutOffAnywhereHasNotHappened) {
     store_->Record();
     const std::string after = ReadAll(file_);
     ASSERT_NE(before, after);
-    ASSERT_EQ(store_->killed.size(), 8U);
+    ASSERT_EQ(store_->killed.size(), 9U);
+    // Or in the middle of a write: the file does not end with a page.
+    std::ofstream(store_->killed[1], std::ios::binary | std::ios::app) << "half a page";
     for (const fs::path& killed : store_->killed) {
       SCOPED_TRACE(killed.filename().string());
       EXPECT_TRUE(Recovered(killed) == (killed == store_->killed.back() ? after : before));
@@ -127,23 +132,58 @@ TEST_P(UndoJournalTest, ADamagedOrForeignJournalChangesNothing) {
   const fs::path killed = store_->killed[4];
   const std::string half = ReadAll(killed);
   const std::string journal = ReadAll(RecordingStore::Journal(killed));
-  const std::vector<std::string> damaged = {"", journal.substr(0, 20),
-                                            journal.substr(0, journal.size() - 1),
-                                            std::string(journal.size(), '\xff'), [&] {
-                                              std::string other = journal;
-                                              other[70] ^= 1;  // in the table
-                                              return other;
-                                            }()};
+  std::vector<std::string> damaged = {"", journal.substr(0, 20),
+                                      journal.substr(0, journal.size() - 1),
+                                      std::string(journal.size(), '\xff')};
+  // The version, the counts of pages, writes and images, a write's page, an old page.
+  for (const std::size_t at : {std::size_t{7}, std::size_t{24}, std::size_t{28}, std::size_t{32},
+                               std::size_t{44}, journal.size() - 1})
+    damaged.emplace_back(journal)[at] ^= 1;
   for (const std::string& content : damaged) {
     std::ofstream(RecordingStore::Journal(killed), std::ios::binary) << content;
-    EXPECT_TRUE(Recovered(killed) == half) << content.size() << " bytes";
+    EXPECT_TRUE(Recovered(killed) == half) << &content - damaged.data();
   }
-  // A backup was put in the place of the file that the journal belongs to.
-  std::string backup = half;
-  backup[3 * kPageSize + 7] = 'x';
-  std::ofstream(killed, std::ios::binary) << backup;
-  std::ofstream(RecordingStore::Journal(killed), std::ios::binary) << journal;
-  EXPECT_TRUE(Recovered(killed) == backup);
+}
+
+TEST_P(UndoJournalTest, AFileThatOthersHaveWrittenToStaysAsItIs) {
+  Commit('k');
+  const fs::path killed = store_->killed[5];
+  const std::string half = ReadAll(killed);
+  const std::string journal = ReadAll(RecordingStore::Journal(killed));
+  ASSERT_EQ(half.size(), (kPages + 2) * kPageSize);
+  const auto changed = [&half](std::vector<PageNumber> pages) {
+    std::string file = half;
+    for (const PageNumber page : pages) file[page * kPageSize + 7] = 'x';
+    return file;
+  };
+  const struct {
+    const char* what;
+    std::string file;
+  } cases[] = {{"a backup in its place", changed({3})},
+               {"a row in free room, counted in page 0", changed({0, 2})},
+               {"a page where the commit had one", changed({kPages + 1})},
+               {"pages behind those of the commit", half + std::string(kPageSize, 'x')},
+               {"compacted", half.substr(0, (kPages - 1) * kPageSize)}};
+  for (const auto& [what, file] : cases) {
+    std::ofstream(killed, std::ios::binary) << file;
+    std::ofstream(RecordingStore::Journal(killed), std::ios::binary) << journal;
+    EXPECT_TRUE(Recovered(killed) == file) << what;
+  }
+}
+
+// A journal that lived on would be taken for the next commit's.
+TEST_P(UndoJournalTest, AJournalThatIsBeingReadIsEmptiedWhereItCannotBeRemoved) {
+  const auto gone = [](const fs::path& journal) {
+    return !fs::exists(journal) || fs::file_size(journal) == 0;
+  };
+  Commit('k');
+  for (const fs::path& file : {store_->killed[4], file_}) {
+    const std::ifstream reader(RecordingStore::Journal(file), std::ios::binary);
+    ASSERT_TRUE(reader.is_open());
+    if (file == file_) pager_.reset();
+    OpenRecovered(file, OpenMode::kReadWrite);
+    EXPECT_TRUE(gone(RecordingStore::Journal(file))) << file;
+  }
 }
 
 TEST_P(UndoJournalTest, WhatCouldNotBePutBackIsTakenBackAtTheNextOpening) {
