@@ -40,7 +40,7 @@ void ShowErrorMessage(const std::wstring& vProcedure);
 // else.
 void IgnoreError();
 
-// The operating system's short (8.3) form of a path; on systems without such names the path itself.
+// The operating system's short (8.3) form of a path, or the path itself (platform/files/paths.h).
 std::wstring GetShortPath(const std::wstring& vLongPath);
 
 // True only for -1 (all bits set).

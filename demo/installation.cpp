@@ -112,7 +112,7 @@ void CopyPrograms(const fs::path& folder, const fs::path& program) {
 
 void MakeInstallation(const fs::path& folder, const fs::path& program) {
   fs::create_directories(folder);
-  const fs::path absolute = fs::canonical(folder);
+  const fs::path absolute = files::ToPath(files::AbsolutePath(files::ToText(folder)));
   CopyPrograms(absolute, program);
   MakeUpdateFolder(absolute);
   MakeServerFolder(absolute);

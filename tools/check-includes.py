@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Checks the includes: from the project's root, downwards only, system headers in their own folders.
 
+Nor may library functions be called outside folders posix/ that do not know every path of Windows.
+
 The order of the layers is that of the add_subdirectory lines in the root CMakeLists.txt: a file may
 include its own folder and those listed before it. Prints one line a problem; exits with 1 if any.
 """
@@ -23,6 +25,10 @@ POSIX = re.compile(r"(unistd|fcntl|dirent|pwd|dlfcn|poll|termios|sys/\w+)\.h$")
 WINDOWS = re.compile(r"(windows|winbase|winnls|winreg|winhttp|shl\w+|shellapi|io|fcntl|direct|fileapi)\.h$",
                      re.I)
 TOOLKIT = re.compile(r"wx/")
+
+# Some compilers' libraries take \\server\share for a path from the current folder.
+SERVERLESS = re.compile(r"\b(?:filesystem|fs)\s*::\s*((?:weakly_)?canonical|absolute|relative|proximate)\b"
+                        r"|(?:\.|->)\s*(is_absolute|is_relative)\s*\(")
 
 
 def layers():
@@ -69,6 +75,10 @@ def problems_of(path, order):
             yield line, f'"{own}" is not a file, seen from the project\'s root'
         elif layer_of(own, order) > layer_of(name, order):
             yield line, f'"{own}" is in a layer above this file'
+    if "/posix/" not in name:
+        for match in SERVERLESS.finditer(cpp_source.without_literals(code)):
+            yield (cpp_source.line_of(code, match.start()),
+                   f"{match[1] or match[2]} fails for paths on servers: see platform/files/paths.h")
 
 
 def main():

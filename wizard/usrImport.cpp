@@ -2,7 +2,6 @@
 #include "wizard/usrImport.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 
 #include "app/modGeneralFunctions.h"
@@ -88,10 +87,8 @@ std::wstring BackupName(const clsOrvPap& vOrvPap) {
 // The folder of the product table, with a separator at its end. That of a bare name is the current
 // one and not, as an empty text would be, the root.
 std::wstring FolderOf(const std::wstring& vPtFile) {
-  const std::filesystem::path path = files::ToPath(vPtFile);
-  const bool relative = path.is_relative();
   return AddBackslash(
-      GetFolder(relative ? files::ToText(std::filesystem::absolute(path)) : vPtFile));
+      GetFolder(files::IsAbsolute(vPtFile) ? vPtFile : files::AbsolutePath(vPtFile)));
 }
 
 // A code comes out of a file that somebody sent: it may be no way into another folder.

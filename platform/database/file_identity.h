@@ -1,10 +1,12 @@
 // Which file a path leads to, however the path is written.
 #pragma once
 
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace database {
 
@@ -12,7 +14,8 @@ namespace database {
 // another one. Good while the file exists or is open.
 struct FileIdentity {
   std::uint64_t volume = 0;
-  std::uint64_t file = 0;
+  std::array<std::uint64_t, 2> file = {};  // some file systems number their files with 128 bits,
+  std::wstring path;                       // and some not at all: the path takes the number's place
   auto operator<=>(const FileIdentity&) const = default;
 };
 

@@ -17,9 +17,10 @@ enum class MissingFile { kHoldNothing, kCreateEmpty };
 // place by a rename is not locked. Ends with the object or with the process, however that ends.
 class FileLock {
  public:
-  // Waits up to `patience` for another holder. Throws text::RuntimeError 70 when the file is still
-  // held then, may not be written or is no file; 76 when its folder is missing and the file is to
-  // be created; 61 or 57 when it cannot be created.
+  // Waits up to `patience` for another holder; on Windows at least two seconds, for whoever looks
+  // at the file for a moment (platform/files/windows/patience.h). Throws text::RuntimeError 70 when
+  // the file is still held then, may not be written or is no file; 76 when its folder is missing
+  // and the file is to be created; 61 or 57 when it cannot be created.
   FileLock(const std::filesystem::path& path, MissingFile missing,
            std::chrono::milliseconds patience = {});
   FileLock(FileLock&& other) noexcept;

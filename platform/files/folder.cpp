@@ -34,9 +34,7 @@ text::RuntimeError FolderError(const std::error_code& error) {
 
 std::vector<std::wstring> FilesIn(const std::wstring& folder) {
   std::error_code error;
-  const fs::path absolute = fs::absolute(ToPath(folder), error);
-  if (error) throw FolderError(error);
-  fs::directory_iterator entry(absolute, error);
+  fs::directory_iterator entry(ToPath(AbsolutePath(folder)), error);
   if (error) throw FolderError(error);
 
   std::vector<std::wstring> paths;

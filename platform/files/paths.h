@@ -35,9 +35,23 @@ bool IsSameFile(const std::wstring& left, const std::wstring& right);
 // The size in bytes. Throws the RuntimeError of files/file_error.h when there is no such file.
 std::uint64_t FileSize(const std::wstring& path);
 
-// The system's short (8.3) form of the path; on systems without such names the path as it is. On
-// Windows the short form must fit 255 characters and the file must exist; otherwise the result is
-// empty.
+// Whether the path does not depend on the current folder. On Windows \\server\share and a drive
+// with a separator do not. These two, and never the standard library's, which on Windows may take a
+// path on a server for a relative one.
+bool IsAbsolute(const std::wstring& path);
+
+// The path made absolute from the current folder; on Windows also without . and .., which that
+// system takes away by name. Throws text::RuntimeError 76 when the system refuses it: it is empty,
+// or there is no current folder.
+std::wstring AbsolutePath(const std::wstring& path);
+
+// The file that a link leads to, for whoever must not replace the link. A path that is no link
+// comes back as it is, and so does a link that leads nowhere.
+std::filesystem::path FollowLink(const std::filesystem::path& path);
+
+// The system's short (8.3) form of the path; the path as it is where the system has none that fits
+// 255 characters: it has no such names, or the drive or the server has not. On Windows the result
+// is empty when neither a file nor a folder is there.
 std::wstring ShortPath(const std::wstring& path);
 
 }  // namespace files

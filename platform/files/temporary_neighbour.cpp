@@ -1,9 +1,8 @@
-// The name of the temporary neighbour and of its target; the rest is the system's.
+// The name of the temporary neighbour; the rest is the system's.
 #include "platform/files/temporary_neighbour.h"
 
 #include <array>
 #include <cstddef>
-#include <system_error>
 
 namespace files {
 
@@ -20,13 +19,6 @@ std::filesystem::path NeighbourOf(const std::filesystem::path& target) {
   std::string name = "~pap";
   for (int shift = 28; shift >= 0; shift -= 4) name += kDigits[hash >> shift & 0xf];
   return target.parent_path() / (name + ".tmp");
-}
-
-std::filesystem::path FollowLink(const std::filesystem::path& path) {
-  std::error_code error;
-  if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error))) return path;
-  std::filesystem::path file = std::filesystem::canonical(path, error);
-  return error ? path : file;
 }
 
 }  // namespace files

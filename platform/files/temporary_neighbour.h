@@ -27,10 +27,10 @@ class TemporaryNeighbour {
   void Write(std::string_view bytes);
 
   // Hands everything to the disk and puts the neighbour in the target's place, with the access
-  // rights of `rights_of` where the system keeps them in the file (Windows: those of the folder).
-  // `target_lock` is the caller's lock on the target; it is held until the step is done, except on
-  // the Windows file systems that platform/files/file_copy.h tells of. Throws as Write does, or 70
-  // when the target cannot be replaced; the target is then as it was.
+  // rights of `rights_of` as far as they may be given; on Windows also with its marks (hidden,
+  // compressed ...). `target_lock` is the caller's lock on the target; it is held until the step is
+  // done, except on the Windows file systems that platform/files/file_copy.h tells of. Throws as
+  // Write does, or 70 when the target cannot be replaced; the target is then as it was.
   void MoveOver(FileLock target_lock, const std::filesystem::path& rights_of);
 
  private:
@@ -44,9 +44,5 @@ class TemporaryNeighbour {
 // The neighbour's path: the same at every attempt for the same target, and short enough for every
 // folder whatever the target's name.
 std::filesystem::path NeighbourOf(const std::filesystem::path& target);
-
-// The file that a link leads to, for a target that must be none. A path that is no link comes back
-// as it is, and so does a link that leads nowhere.
-std::filesystem::path FollowLink(const std::filesystem::path& path);
 
 }  // namespace files

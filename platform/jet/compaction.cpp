@@ -12,6 +12,7 @@
 #include "platform/jet/database_creator.h"
 #include "platform/jet/database_impl.h"
 #include "platform/jet/error.h"
+#include "platform/jet/file_steps.h"
 #include "platform/jet/lent_page_store.h"
 #include "platform/jet/new_file.h"
 #include "platform/jet/system_tables.h"
@@ -91,13 +92,6 @@ auto OnFile(const std::filesystem::path& path, Action action) {
   }
 }
 
-std::filesystem::path FollowLink(const std::filesystem::path& path) {
-  std::error_code error;
-  if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error))) return path;
-  std::filesystem::path file = std::filesystem::canonical(path, error);
-  return error ? path : file;
-}
-
 }  // namespace
 
 void CompactPages(PageStore& source, PageStore& target, const CompactOptions& options) {
@@ -124,7 +118,7 @@ void CompactFile(const std::filesystem::path& source, const std::filesystem::pat
 }
 
 void CompactInPlace(const std::filesystem::path& file, const CompactOptions& options) {
-  const std::filesystem::path place = FollowLink(file);
+  const std::filesystem::path place = FileItself(file);
   // Only a file that may be written to is replaced.
   std::unique_ptr<PageStore> pages = OpenRecovered(place, OpenMode::kReadWrite);
   if (pages->read_only()) throw Error(ErrorKind::kReadOnly, "the file is write-protected");

@@ -8,6 +8,10 @@
 
 namespace jet {
 
+// The absolute path of the file that a path leads to, through links; a path that leads nowhere as
+// it is.
+std::filesystem::path FileItself(const std::filesystem::path& path);
+
 // Removes a file that a killed process left behind; none is fine. kInUse when somebody has it open,
 // kCannotOpen.
 void RemoveLeftover(const std::filesystem::path& path);

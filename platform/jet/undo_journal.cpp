@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/jet/error.h"
+#include "platform/jet/file_steps.h"
 #include "platform/jet/undo_journal_format.h"
 
 namespace jet {
@@ -58,9 +59,7 @@ std::uint64_t Fingerprint(std::span<const std::byte> bytes) {
 
 // Beside the file itself, whatever links lead to it.
 std::filesystem::path JournalOf(const std::filesystem::path& database) {
-  std::error_code error;
-  std::filesystem::path path = std::filesystem::canonical(database, error);
-  if (error) path = database;
+  std::filesystem::path path = FileItself(database);
   path += ".undo";
   return path;
 }

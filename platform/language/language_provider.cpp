@@ -58,12 +58,11 @@ std::wstring FileLanguageProvider::GetMessageText(std::int32_t number) const {
 }
 
 std::filesystem::path FileLanguageProvider::Locate(const std::wstring& name) const {
-  const std::filesystem::path path = files::ToPath(name);
-  std::filesystem::path beside_program = program_folder_ / path;  // an absolute path stays
+  std::filesystem::path path = files::ToPath(name);
+  if (files::IsAbsolute(name)) return path;
+  std::filesystem::path beside_program = program_folder_ / path;
   std::error_code ignored;
-  if (path.is_absolute() || std::filesystem::is_regular_file(beside_program, ignored)) {
-    return beside_program;
-  }
+  if (std::filesystem::is_regular_file(beside_program, ignored)) return beside_program;
   return program_folder_ / kLanguageFolder / path;
 }
 

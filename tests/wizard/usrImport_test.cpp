@@ -268,9 +268,12 @@ TEST_F(usrImportTest, AProductTableThatIsTakenMeanwhileCostsTheUpdateInHand) {
   std::vector<std::string> lines = Listed();
   ASSERT_EQ(lines.size(), 1 + 4 + 1 + 1 + 4U);
   EXPECT_EQ(std::vector(lines.end() - 4, lines.end()), Applied(third));
-  EXPECT_THAT(Boxes(), ElementsAre(HasSubstr("Error = 3045: "), text,  // applying
-                                   HasSubstr("Error = 3045: "), text,  // recording
-                                   "#1072 " + WideToUtf8(updates[1]->FilePath)));
+  std::vector<std::string> boxes = Boxes();
+  // The third one's backup fails where nobody can read a file that somebody else has taken.
+  std::erase_if(boxes, [](const std::string& box) { return box.starts_with("#1071 "); });
+  EXPECT_THAT(boxes, ElementsAre(HasSubstr("Error = 3045: "), text,  // applying
+                                 HasSubstr("Error = 3045: "), text,  // recording
+                                 "#1072 " + WideToUtf8(updates[1]->FilePath)));
   EXPECT_THAT(Register(), ElementsAre(HasSubstr("first.PRC|"), HasSubstr("third.PRC|")));
 }
 

@@ -69,8 +69,7 @@ bool LoadLanguage(language::LanguageProvider& provider, const std::string& file)
 // tables and updates are recognised by their names, and the files of this run whatever their names.
 std::optional<std::wstring> UnusableLog(const std::wstring& log,
                                         const std::vector<std::wstring>& files_in_use) {
-  std::error_code ignored;
-  const auto target = std::filesystem::weakly_canonical(files::ToPath(log), ignored);
+  const std::filesystem::path target = files::FollowLink(files::ToPath(log));
   for (const std::wstring& path : {log, files::ToText(target)}) {
     if (IsPapFile(path) || text::ToUpper(GetExtension(path)) == kProductTableExtension) {
       return L"that is no name for a log, a product table or a price update has such a one: " + log;

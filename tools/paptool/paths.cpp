@@ -13,8 +13,12 @@ std::string PathProblem(const std::string& utf8) {
 }
 
 std::wstring AbsolutePath(const std::string& utf8) {
-  const std::filesystem::path given = files::ToPath(text::Utf8ToWide(utf8));
-  return files::ToText(std::filesystem::absolute(given).lexically_normal());
+  std::wstring path = files::AbsolutePath(text::Utf8ToWide(utf8));
+  if constexpr (files::Separator() == L'\\') {
+    return path;  // is without . and .. already
+  } else {
+    return files::ToText(files::ToPath(path).lexically_normal());
+  }
 }
 
 }  // namespace paptool

@@ -34,6 +34,7 @@ inline text::RuntimeError CallError(DWORD code, const std::filesystem::path& pat
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
     case ERROR_USER_MAPPED_FILE:
+    case ERROR_BUSY:
       return FileError(kPermissionDenied);
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:

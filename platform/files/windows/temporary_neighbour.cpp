@@ -5,10 +5,14 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/files/windows/call_path.h"
 #include "platform/files/windows/handle.h"
+#include "platform/files/windows/patience.h"
+#include "platform/files/windows/rights.h"
 
 namespace files {
 namespace {
@@ -16,12 +20,9 @@ namespace {
 // FileRenameInfoEx, which the headers show only for systems newer than the oldest we run on.
 constexpr auto kFileRenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
 
-// Renames an open file over another one that is open for us alone. False where the file system or
-// the system is too old for it.
-bool RenameOpenFile(HANDLE file, const std::filesystem::path& target) {
-  std::error_code error;
-  const std::wstring name = std::filesystem::absolute(target, error).wstring();
-  if (error) return false;
+// Renames an open file over another one that is open for us alone. Returns an error code.
+DWORD RenameOpenFile(HANDLE file, const std::filesystem::path& target) {
+  const std::wstring name = CallPath(FullPath(target.wstring()));
   std::vector<std::byte> buffer(offsetof(FILE_RENAME_INFO, FileName) +
                                 (name.size() + 1) * sizeof(wchar_t));
   FILE_RENAME_INFO info{};
@@ -30,25 +31,57 @@ bool RenameOpenFile(HANDLE file, const std::filesystem::path& target) {
   std::memcpy(buffer.data(), &info, offsetof(FILE_RENAME_INFO, FileName));
   std::memcpy(buffer.data() + offsetof(FILE_RENAME_INFO, FileName), name.c_str(),
               (name.size() + 1) * sizeof(wchar_t));
-  return SetFileInformationByHandle(file, kFileRenameInfoEx, buffer.data(),
-                                    static_cast<DWORD>(buffer.size())) != 0;
+  return ErrorOf(SetFileInformationByHandle(file, kFileRenameInfoEx, buffer.data(),
+                                            static_cast<DWORD>(buffer.size())));
+}
+
+// Whether the file system says that it can do so. A server may say it of its disk and yet rename in
+// the older way.
+bool SurelyRenamesOpenFiles(HANDLE file) {
+  constexpr DWORD kSupportsPosixRename = 0x400;  // not every set of headers has its name
+  FILE_REMOTE_PROTOCOL_INFO server{};
+  DWORD abilities = 0;
+  return GetFileInformationByHandleEx(file, FileRemoteProtocolInfo, &server, sizeof(server)) == 0 &&
+         GetVolumeInformationByHandleW(file, nullptr, 0, nullptr, nullptr, &abilities, nullptr,
+                                       0) != 0 &&
+         (abilities & kSupportsPosixRename) != 0;
+}
+
+// Whether a renaming failed because the system does not know of it.
+bool IsUnknownCall(DWORD error) {
+  return error == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_FUNCTION ||
+         error == ERROR_INVALID_LEVEL || error == ERROR_NOT_SUPPORTED ||
+         error == ERROR_CALL_NOT_IMPLEMENTED;
 }
 
 }  // namespace
 
 TemporaryNeighbour::TemporaryNeighbour(std::filesystem::path target)
     : target_(std::move(target)), path_(NeighbourOf(target_)) {
-  // Sharing nothing: somebody else who is replacing the same target keeps us out, and we them.
-  const HANDLE file = CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr,
-                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) throw CallError(GetLastError(), path_);
+  const std::wstring name = CallPath(path_);
+  HANDLE file = INVALID_HANDLE_VALUE;
+  const DWORD error = Patiently(kOpeningPatience, [&] {
+    // Sharing nothing: somebody else who is replacing the same target keeps us out, and we them.
+    // What a killed process left may be hidden, which CREATE_ALWAYS would refuse.
+    file = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+    return ErrorOf(file != INVALID_HANDLE_VALUE);
+  });
+  if (error != ERROR_SUCCESS) throw CallError(error, path_);
+  if (const DWORD uncut = ErrorOf(SetEndOfFile(file)); uncut != ERROR_SUCCESS) {
+    CloseHandle(file);
+    throw CallError(uncut, path_);
+  }
   native_ = FromHandle(file);
 }
 
 TemporaryNeighbour::~TemporaryNeighbour() {
   if (native_ == kClosed) return;
+  // While it is still open, so that nobody else can open it first.
+  FILE_DISPOSITION_INFO removal{};
+  removal.DeleteFile = TRUE;
+  SetFileInformationByHandle(ToHandle(native_), FileDispositionInfo, &removal, sizeof(removal));
   CloseHandle(ToHandle(native_));
-  DeleteFileW(path_.c_str());
 }
 
 void TemporaryNeighbour::Write(std::string_view bytes) {
@@ -64,25 +97,29 @@ void TemporaryNeighbour::Write(std::string_view bytes) {
   }
 }
 
-void TemporaryNeighbour::MoveOver(FileLock target_lock, const std::filesystem::path&) {
+void TemporaryNeighbour::MoveOver(FileLock target_lock, const std::filesystem::path& rights_of) {
   const HANDLE file = ToHandle(native_);
+  GiveRights(path_, rights_of);
+  CompressAs(file, rights_of);
   if (FlushFileBuffers(file) == 0) throw CallError(GetLastError(), path_);
-  if (RenameOpenFile(file, target_)) {
-    CloseHandle(file);
-    native_ = kClosed;
-    target_lock.Release();
-    return;
-  }
-  // The older way replaces closed files only. Whoever opens the target now makes it fail, no more.
-  target_lock.Release();
-  CloseHandle(file);
-  native_ = kClosed;
-  if (MoveFileExW(path_.c_str(), target_.c_str(),
-                  MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
-    const DWORD error = GetLastError();
-    DeleteFileW(path_.c_str());
+  // Elsewhere our own lock may be what makes it fail, for whatever time.
+  const bool sure = SurelyRenamesOpenFiles(file);
+  DWORD error = Patiently(sure ? kReplacingPatience : std::chrono::milliseconds(0),
+                          [&] { return RenameOpenFile(file, target_); });
+  if (error != ERROR_SUCCESS && !IsUnknownCall(error) && (sure || !IsPassing(error))) {
     throw CallError(error, target_);
   }
+  CloseHandle(file);
+  native_ = kClosed;
+  target_lock.Release();
+  if (error == ERROR_SUCCESS) return;
+
+  // The older way replaces closed files only. Whoever opens the target now and keeps it, or writes
+  // to it, makes it fail, no more.
+  error = MoveOverPatiently(path_, target_);
+  if (error == ERROR_SUCCESS) return;
+  DeleteFileW(CallPath(path_).c_str());
+  throw CallError(error, target_);
 }
 
 }  // namespace files

@@ -35,6 +35,12 @@ void SyncFolderOf(const std::filesystem::path& file) {
 
 }  // namespace
 
+std::filesystem::path FileItself(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::path file = std::filesystem::canonical(path, error);
+  return error ? path : file;
+}
+
 void RemoveLeftover(const std::filesystem::path& path) {
   while (true) {
     const Descriptor file = TryOpen(path, O_RDWR | O_NOFOLLOW);

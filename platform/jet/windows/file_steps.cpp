@@ -4,7 +4,12 @@
 #include <windows.h>
 
 #include <string>
+#include <utility>
 
+#include "platform/files/paths.h"
+#include "platform/files/windows/call_path.h"
+#include "platform/files/windows/patience.h"
+#include "platform/files/windows/rights.h"
 #include "platform/text/code_page.h"
 #include "platform/text/windows/error_text.h"
 
@@ -13,7 +18,7 @@ namespace {
 
 [[noreturn]] void ThrowStep(DWORD error, const std::filesystem::path& path) {
   ErrorKind kind = ErrorKind::kIo;
-  if (error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION)
+  if (error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_BUSY)
     kind = ErrorKind::kInUse;
   else if (error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS)
     kind = ErrorKind::kDatabaseExists;
@@ -24,28 +29,40 @@ namespace {
 
 }  // namespace
 
-void RemoveLeftover(const std::filesystem::path& path) {
-  if (DeleteFileW(path.c_str()) != 0) return;
-  const DWORD error = GetLastError();
-  // A missing folder is told when the file is created.
-  if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) ThrowStep(error, path);
+std::filesystem::path FileItself(const std::filesystem::path& path) {
+  std::wstring file = files::FullPath(files::FollowLink(path).wstring());
+  return file.empty() ? path : std::filesystem::path(std::move(file));
 }
 
-// A new file has the rights that its folder gives.
-void GiveRights(const std::filesystem::path&, const std::filesystem::path&) noexcept {}
+void RemoveLeftover(const std::filesystem::path& path) {
+  const std::wstring name = files::CallPath(path);
+  const DWORD error = files::Patiently(files::kOpeningPatience,
+                                       [&] { return files::ErrorOf(DeleteFileW(name.c_str())); });
+  // A missing folder is told when the file is created.
+  if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND)
+    ThrowStep(error, path);
+}
+
+void GiveRights(const std::filesystem::path& file, const std::filesystem::path& like) noexcept {
+  files::GiveRights(file, like);
+}
 
 void MoveToFreeName(const std::filesystem::path& file, const std::filesystem::path& name) {
-  if (MoveFileExW(file.c_str(), name.c_str(), MOVEFILE_WRITE_THROUGH) == 0)
-    ThrowStep(GetLastError(), name);
+  const std::wstring from = files::CallPath(file);
+  const std::wstring to = files::CallPath(name);
+  const DWORD error = files::Patiently(files::kReplacingPatience, [&] {
+    return files::ErrorOf(MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH));
+  });
+  if (error != ERROR_SUCCESS) ThrowStep(error, name);
 }
 
 void MoveOver(const std::filesystem::path& file, const std::filesystem::path& target,
               std::unique_ptr<PageStore> held_target) {
-  // Only closed files are replaced. Whoever opens the target now makes it fail, no more.
+  // Only closed files are replaced. Whoever opens the target now and keeps it, or writes to it,
+  // makes it fail, no more.
   held_target.reset();
-  if (MoveFileExW(file.c_str(), target.c_str(),
-                  MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0)
-    ThrowStep(GetLastError(), target);
+  const DWORD error = files::MoveOverPatiently(file, target);
+  if (error != ERROR_SUCCESS) ThrowStep(error, target);
 }
 
 }  // namespace jet

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/files/windows/call_path.h"
+#include "platform/files/windows/patience.h"
 #include "platform/jet/usage_map_format.h"
 #include "platform/text/code_page.h"
 #include "platform/text/windows/error_text.h"
@@ -162,8 +164,21 @@ class FilePageStore final : public PageStore {
 }
 
 Handle TryOpen(const std::filesystem::path& path, DWORD access, DWORD sharing, DWORD creation) {
-  return Handle(CreateFileW(path.c_str(), access, sharing, nullptr, creation, FILE_ATTRIBUTE_NORMAL,
-                            nullptr));
+  return Handle(CreateFileW(files::CallPath(path).c_str(), access, sharing, nullptr, creation,
+                            FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// Waits a moment for whoever only looks at the file. Returns an error code. That access is denied
+// passes for new files alone, whose deleted predecessor somebody may still have open.
+DWORD OpenPatiently(Handle& file, const std::filesystem::path& path, DWORD access, DWORD creation) {
+  DWORD error = ERROR_SUCCESS;
+  files::Patiently(files::kOpeningPatience, [&]() -> DWORD {
+    file = TryOpen(path, access, FILE_SHARE_READ, creation);
+    error = files::ErrorOf(file.is_open());
+    const bool final = error == ERROR_ACCESS_DENIED && creation != CREATE_NEW;
+    return final ? ERROR_SUCCESS : error;
+  });
+  return error;
 }
 
 // The database's own kind of lock file lives while users have the database open; nobody can then
@@ -184,15 +199,14 @@ std::unique_ptr<PageStore> OpenPageStore(const std::filesystem::path& path, Open
   bool read_only = mode == OpenMode::kReadOnly;
   Handle file;
   if (!read_only) {
-    file = TryOpen(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
-                   create ? CREATE_NEW : OPEN_EXISTING);
-    const DWORD error = file.is_open() ? ERROR_SUCCESS : GetLastError();
+    const DWORD error = OpenPatiently(file, path, GENERIC_READ | GENERIC_WRITE,
+                                      create ? CREATE_NEW : OPEN_EXISTING);
     read_only = !create && (error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT);
     if (error != ERROR_SUCCESS && !read_only) ThrowOpen(error, path);
   }
   if (read_only) {
-    file = TryOpen(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
-    if (!file.is_open()) ThrowOpen(GetLastError(), path);
+    const DWORD error = OpenPatiently(file, path, GENERIC_READ, OPEN_EXISTING);
+    if (error != ERROR_SUCCESS) ThrowOpen(error, path);
   }
   if (GetFileType(file.get()) != FILE_TYPE_DISK)
     throw Error(ErrorKind::kCannotOpen, {path.u16string()}, "not a file");

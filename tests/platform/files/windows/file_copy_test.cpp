@@ -4,6 +4,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <aclapi.h>
+#include <sddl.h>
+
+#include <chrono>
+#include <memory>
+#include <thread>
+
 #include "platform/files/file_error.h"
 #include "platform/files/folder.h"
 #include "platform/files/paths.h"
@@ -68,6 +75,67 @@ TEST(WindowsFileCopyTest, ATargetThatSomebodyHasOpenStays) {
     EXPECT_EQ(ReadAll(target), "old");
     EXPECT_EQ(FilesIn(folder.Text("")).size(), 2U);
   }
+}
+
+// As scanners and indexes do with files that have just been written.
+TEST(WindowsFileCopyTest, SomebodyWhoOnlyLooksIsWaitedFor) {
+  const TemporaryFolder folder;
+  folder.Write("source", "new");
+  for (const DWORD sharing : {DWORD{0}, DWORD{FILE_SHARE_READ}}) {
+    const auto target = folder.Write("target", "old");
+    auto somebody = std::make_unique<Opened>(target, GENERIC_READ, sharing);
+    std::thread looking([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      somebody.reset();
+    });
+    EXPECT_EQ(
+        ErrorNumberOf([&] { CopyFileAtomically(folder.Text("source"), folder.Text("target")); }),
+        0);
+    looking.join();
+    EXPECT_EQ(ReadAll(target), "new");
+  }
+}
+
+// The rights of a file as text: "D:", "P" when they do not come from the folder, the entries.
+std::wstring AccessOf(const std::filesystem::path& file) {
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  LPWSTR text = nullptr;
+  EXPECT_EQ(GetNamedSecurityInfoW(file.wstring().data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
+                                  nullptr, nullptr, nullptr, nullptr, &descriptor),
+            DWORD{ERROR_SUCCESS});
+  EXPECT_NE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
+                descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr),
+            0);
+  std::wstring access = text == nullptr ? L"" : text;
+  LocalFree(text);
+  LocalFree(descriptor);
+  return access;
+}
+
+TEST(WindowsFileCopyTest, TheTargetKeepsItsRightsAndMarks) {
+  const TemporaryFolder folder;
+  folder.Write("source", "new");
+  const auto target = folder.Write("target", "old");
+  // Everybody may do everything, beside what comes from the folder.
+  EXPLICIT_ACCESS_W everybody{};
+  everybody.grfAccessPermissions = FILE_ALL_ACCESS;
+  everybody.grfAccessMode = SET_ACCESS;
+  wchar_t name[] = L"EVERYONE";
+  BuildTrusteeWithNameW(&everybody.Trustee, name);
+  ACL* list = nullptr;
+  ASSERT_EQ(SetEntriesInAclW(1, &everybody, nullptr, &list), DWORD{ERROR_SUCCESS});
+  ASSERT_EQ(SetNamedSecurityInfoW(target.wstring().data(), SE_FILE_OBJECT,
+                                  DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION,
+                                  nullptr, nullptr, list, nullptr),
+            DWORD{ERROR_SUCCESS});
+  LocalFree(list);
+  ASSERT_NE(SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_HIDDEN), 0);
+  const std::wstring before = AccessOf(target);
+  ASSERT_NE(before, AccessOf(folder / "source"));
+  CopyFileAtomically(folder.Text("source"), folder.Text("target"));
+  EXPECT_EQ(ReadAll(target), "new");
+  EXPECT_EQ(AccessOf(target), before);
+  EXPECT_NE(GetFileAttributesW(target.c_str()) & FILE_ATTRIBUTE_HIDDEN, DWORD{0});
 }
 
 TEST(WindowsFileCopyTest, AReadOnlyTargetStays) {
