@@ -48,7 +48,7 @@ TEST_F(PapFolderTest, FilesOfOurVersionAreFound) {
   for (const std::wstring& name : names) WriteUpdate(files::ToPath(name), "S");
   WriteUpdate("old.prc", "S", "3.1");
   WriteUpdate("nearly.prc", "S", "3.20");
-  for (const char* name : {"backup.prc.bak", "prc", "x.prc "}) WriteUpdate(name, "S");
+  for (const char* name : {"backup.prc.bak", "prc", "x.prcx"}) WriteUpdate(name, "S");
   folder.Write("empty.prc", "");
   std::filesystem::create_directory(folder / "folder.prc");
   EXPECT_TRUE(Scan());

@@ -1,7 +1,9 @@
-// Runs a program through the command interpreter.
+// Runs a program without the command interpreter, which has an opinion on quotes and names.
 #include "tests/tools/run_program.h"
 
-#include <cstdlib>
+#include <windows.h>
+
+#include <stdexcept>
 
 #include "platform/text/code_page.h"
 #include "tests/support/temporary_folder.h"
@@ -9,6 +11,46 @@
 namespace {
 
 std::wstring Quoted(const std::wstring& text) { return L'"' + text + L'"'; }
+
+// A new file that the program takes for one of its standard streams.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::filesystem::path& path) {
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    file_ = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+                        FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file_ == INVALID_HANDLE_VALUE) throw std::runtime_error("no file for the output");
+  }
+  ~OutputFile() { CloseHandle(file_); }
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  HANDLE handle() const { return file_; }
+
+ private:
+  HANDLE file_;
+};
+
+int Run(std::wstring command, const std::filesystem::path& out, const std::filesystem::path& err) {
+  const OutputFile out_file(out);
+  const OutputFile err_file(err);
+  STARTUPINFOW start{};
+  start.cb = sizeof(start);
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdOutput = out_file.handle();
+  start.hStdError = err_file.handle();
+  PROCESS_INFORMATION process{};
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                      &process)) {
+    throw std::runtime_error("the program cannot be started");
+  }
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD status = 0;
+  GetExitCodeProcess(process.hProcess, &status);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return static_cast<int>(status);
+}
 
 }  // namespace
 
@@ -22,9 +64,6 @@ ProgramOutcome RunProgram(const std::filesystem::path& program,
   for (const std::string& argument : arguments) {
     command += L" " + Quoted(text::Utf8ToWide(argument));
   }
-  command += L" >" + Quoted(out.wstring()) + L" 2>" + Quoted(err.wstring());
-
-  // The interpreter takes the first and the last quote of what it is given for its own.
-  const int status = _wsystem(Quoted(command).c_str());
+  const int status = Run(command, out, err);
   return {status, test_support::ReadAll(out), test_support::ReadAll(err)};
 }
