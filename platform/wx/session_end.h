@@ -15,7 +15,7 @@ class SessionEnd {
  public:
   // `ends` is called on this thread when the session really ends, maybe from inside DoEvents and
   // maybe more than once. The toolkit must have started, and must outlive this.
-  explicit SessionEnd(std::function<void()> ends);
+  explicit SessionEnd(const std::function<void()>& ends);
   ~SessionEnd();
   SessionEnd(const SessionEnd&) = delete;
   SessionEnd& operator=(const SessionEnd&) = delete;

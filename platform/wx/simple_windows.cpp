@@ -3,6 +3,8 @@
 
 #include <wx/utils.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 
 #include "platform/wx/conversion.h"
@@ -40,10 +42,8 @@ wxTextCtrl& MakeTextBox(const controls::TextBox& box, wxWindow& parent) {
 }
 
 bool ArrowKeyIsDown() {
-  for (const wxKeyCode key : {WXK_UP, WXK_DOWN, WXK_LEFT, WXK_RIGHT}) {
-    if (wxGetKeyState(key)) return true;
-  }
-  return false;
+  constexpr std::array kArrows = {WXK_UP, WXK_DOWN, WXK_LEFT, WXK_RIGHT};
+  return std::ranges::any_of(kArrows, [](wxKeyCode key) { return wxGetKeyState(key); });
 }
 
 // Whether the label was another one.

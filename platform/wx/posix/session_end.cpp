@@ -5,7 +5,7 @@ namespace wx_windows {
 
 class SessionEnd::Parts {};
 
-SessionEnd::SessionEnd(std::function<void()>) {}
+SessionEnd::SessionEnd(const std::function<void()>&) {}
 SessionEnd::~SessionEnd() = default;
 
 }  // namespace wx_windows

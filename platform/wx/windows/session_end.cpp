@@ -99,8 +99,7 @@ LRESULT CALLBACK SessionEnd::Parts::OnMessage(HWND window, UINT message, WPARAM 
   return DefWindowProcW(window, message, what, why);
 }
 
-SessionEnd::SessionEnd(std::function<void()> ends)
-    : parts_(std::make_unique<Parts>(std::move(ends))) {}
+SessionEnd::SessionEnd(const std::function<void()>& ends) : parts_(std::make_unique<Parts>(ends)) {}
 SessionEnd::~SessionEnd() = default;
 
 }  // namespace wx_windows
