@@ -190,7 +190,9 @@ TEST(DatabaseEngineTest, ANewTableKeepsItsRulesThroughCompaction) {
         .Required = true,
         .AllowZeroLength = false},
        {.Name = L"Date", .Type = DataType::kDate},
-       {.Name = L"Supplier", .Type = DataType::kText, .Size = 50, .AllowZeroLength = false}},
+       {.Name = L"Assortiment", .Type = DataType::kText, .Size = 50, .AllowZeroLength = false},
+       {.Name = L"Supplier", .Type = DataType::kText, .Size = 50, .AllowZeroLength = false},
+       {.Name = L"DateProcessed", .Type = DataType::kDate}},
       {{.Name = L"PriceUpdates_PK", .Fields = {L"FileName"}, .Primary = true, .Unique = true}}};
   {
     const auto engine = DBEngine().CreateDatabase(folder.Text("first.mdb"));
