@@ -37,7 +37,7 @@ void CopyFileAtomically(const std::wstring& source, const std::wstring& target) 
   if (fs::equivalent(from, to, ignored)) throw FileError(kPermissionDenied);
 
   FileLock lock(to, MissingFile::kHoldNothing);
-  const bool replaces = fs::exists(to, ignored);
+  const bool replaces = lock.Holds();
   TemporaryNeighbour copy(to);
   std::vector<char> buffer(kBufferSize);
   while (input) {

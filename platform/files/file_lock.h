@@ -19,8 +19,9 @@ class FileLock {
  public:
   // Waits up to `patience` for another holder; on Windows at least two seconds, for whoever looks
   // at the file for a moment (platform/files/windows/patience.h). Throws text::RuntimeError 70 when
-  // the file is still held then, may not be written or is no file; 76 when its folder is missing
-  // and the file is to be created; 61 or 57 when it cannot be created.
+  // the file is still held then, may not be written or is no file, on Windows also when whoever was
+  // waited for has written to it; 76 when its folder is missing and the file is to be created; 61
+  // or 57 when it cannot be created.
   FileLock(const std::filesystem::path& path, MissingFile missing,
            std::chrono::milliseconds patience = {});
   FileLock(FileLock&& other) noexcept;
@@ -28,6 +29,9 @@ class FileLock {
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
   ~FileLock();
+
+  // Whether there is a file that it keeps others out of.
+  bool Holds() const { return native_ != kNothing; }
 
   // Ends it early.
   void Release();

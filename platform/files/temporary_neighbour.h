@@ -27,10 +27,11 @@ class TemporaryNeighbour {
   void Write(std::string_view bytes);
 
   // Hands everything to the disk and puts the neighbour in the target's place, with the access
-  // rights of `rights_of` as far as they may be given; on Windows also with its marks (hidden,
-  // compressed ...). `target_lock` is the caller's lock on the target; it is held until the step is
-  // done, except on the Windows file systems that platform/files/file_copy.h tells of. Throws as
-  // Write does, or 70 when the target cannot be replaced; the target is then as it was.
+  // rights of `rights_of` as far as they may be given; on Windows also with its marks (hidden ...)
+  // and compressed if that one is. `target_lock` is the caller's lock on the target; it is held
+  // until the step is done, except on the Windows file systems that platform/files/file_copy.h
+  // tells of. Throws as Write does, or 70 when the target cannot be replaced; the target is then as
+  // it was.
   void MoveOver(FileLock target_lock, const std::filesystem::path& rights_of);
 
  private:

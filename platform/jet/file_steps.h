@@ -2,22 +2,28 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "platform/jet/page_store.h"
 
 namespace jet {
 
-// The absolute path of the file that a path leads to, through links; a path that leads nowhere as
-// it is.
+// The absolute path of the file that a path leads to, through links and without short names; a path
+// that leads nowhere as it is.
 std::filesystem::path FileItself(const std::filesystem::path& path);
+
+// Whether a step, which returns that, has succeeded. On Windows one that fails is repeated for some
+// tenths of a second: scanners and indexes hold a file that was just written, or deleted.
+bool TryPatiently(const std::function<bool()>& step);
 
 // Removes a file that a killed process left behind; none is fine. kInUse when somebody has it open,
 // kCannotOpen.
 void RemoveLeftover(const std::filesystem::path& path);
 
-// Gives a file the owner and the access rights of another, where the system keeps them in the file.
-// Best effort: that it cannot be done must not make a replacement fail.
+// Gives a file the access rights of another, with its owner where rights are the owner's, on
+// Windows with its marks (hidden ...). Best effort: that it cannot be done must not make a
+// replacement fail.
 void GiveRights(const std::filesystem::path& file, const std::filesystem::path& like) noexcept;
 
 // Gives a closed file another name, which nothing has yet, and makes that last. kDatabaseExists

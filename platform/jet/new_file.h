@@ -24,7 +24,7 @@ class NewFile {
 
   PageStore& pages() { return *pages_; }
 
-  // Gives the file the owner and the access rights of another one, as far as the system lets us.
+  // See GiveRights in platform/jet/file_steps.h.
   void TakeRightsOf(const std::filesystem::path& other) noexcept;
 
   // The last step, after everything has been handed to the disk: the target did not exist

@@ -108,13 +108,18 @@ std::optional<std::map<PageNumber, TouchedPage>> PagesOf(ByteView journal) {
   return pages;
 }
 
-// Nothing when the file is no journal, was cut off while it was written, or is damaged.
-// kCannotOpen and kIo when it cannot be read: it may be needed.
+// Nothing when the file is no journal, was cut off while it was written, is damaged, or gone: its
+// owner may have closed the database meanwhile. kCannotOpen and kIo when it cannot be read: it may
+// be needed.
 std::optional<Journal> ReadJournal(const std::filesystem::path& path) {
   std::filebuf file;
-  if (file.open(path, std::ios::in | std::ios::binary) == nullptr)
+  if (!TryPatiently([&] { return file.open(path, std::ios::in | std::ios::binary) != nullptr; })) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error) && !error) return std::nullopt;
     throw Error(ErrorKind::kCannotOpen, {path.u16string()}, "the undo journal cannot be read");
+  }
   const std::streamoff size = file.pubseekoff(0, std::ios::end);
+  if (size < 0) throw Error(ErrorKind::kIo, "the undo journal cannot be read");
   const auto read = [&](std::span<std::byte> into) {
     const auto wanted = static_cast<std::streamsize>(into.size());
     if (file.pubseekpos(0) == std::streampos(-1) ||
@@ -192,8 +197,11 @@ void TakeBack(PageStore& store, const std::filesystem::path& journal_file) {
 // that fails, too.
 bool Drop(const std::filesystem::path& journal) {
   std::error_code error;
-  std::filesystem::remove(journal, error);
-  if (error) std::filesystem::resize_file(journal, 0, error);
+  const auto remove = [&] {
+    std::filesystem::remove(journal, error);
+    return !error;
+  };
+  if (!TryPatiently(remove)) std::filesystem::resize_file(journal, 0, error);
   return !error;
 }
 
@@ -214,7 +222,8 @@ void UndoJournal::Keep(PageNumber page_count, const PageBytes& page_zero,
   if (writes.empty() || unavailable_) return;
   if (!file_.is_open()) {
     file_.pubsetbuf(nullptr, 0);  // what is written is in the system's hands
-    unavailable_ = file_.open(path_, std::ios::out | std::ios::binary | std::ios::trunc) == nullptr;
+    constexpr auto kAnew = std::ios::out | std::ios::binary | std::ios::trunc;
+    unavailable_ = !TryPatiently([&] { return file_.open(path_, kAnew) != nullptr; });
     if (unavailable_) return;
   }
   const auto images = static_cast<std::size_t>(

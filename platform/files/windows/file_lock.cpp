@@ -22,6 +22,7 @@ FileLock::FileLock(const std::filesystem::path& path, MissingFile missing,
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kRefused) != 0) {
     throw FileError(kPermissionDenied);
   }
+  const FileStamp before = StampOf(name);
   HANDLE file = INVALID_HANDLE_VALUE;
   const DWORD error = Patiently(std::max(patience, kReplacingPatience), [&] {
     // Deletion is shared so that a rename can put another file in this one's place.
@@ -32,6 +33,11 @@ FileLock::FileLock(const std::filesystem::path& path, MissingFile missing,
   const bool absent = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
   if (absent && !create) return;
   if (error != ERROR_SUCCESS) throw CallError(error, path);
+  // What our caller knows of the file, whoever was waited for may have changed.
+  if (before != FileStamp() && StampOf(name) != before) {
+    CloseHandle(file);
+    throw FileError(kPermissionDenied);
+  }
   native_ = FromHandle(file);
 }
 

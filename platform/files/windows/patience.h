@@ -4,7 +4,9 @@
 #include <windows.h>
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <string>
 
 namespace files {
 
@@ -37,8 +39,20 @@ DWORD Patiently(std::chrono::milliseconds patience, Call call) {
 // The error code of a call that returns whether it succeeded.
 inline DWORD ErrorOf(BOOL succeeded) { return succeeded != 0 ? ERROR_SUCCESS : GetLastError(); }
 
+// What shows that a file was written to: time and size, all zeros when there is no file.
+struct FileStamp {
+  std::uint64_t written = 0;
+  std::uint64_t size = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+
+// `path` as CallPath gives it.
+FileStamp StampOf(const std::wstring& path);
+
 // Puts a closed file in the place of another one, or of none, and makes that last. Returns an error
-// code, with both files as they were; ERROR_BUSY when somebody wrote to the other one meanwhile.
-DWORD MoveOverPatiently(const std::filesystem::path& file, const std::filesystem::path& target);
+// code, with both files as they were; ERROR_BUSY when somebody has written to the other one since
+// it had the stamp `known`.
+DWORD MoveOverPatiently(const std::filesystem::path& file, const std::filesystem::path& target,
+                        const FileStamp& known);
 
 }  // namespace files

@@ -86,9 +86,8 @@ void GiveRights(const std::filesystem::path& file, const std::filesystem::path& 
     const std::wstring from = CallPath(like);
     const DWORD attributes = GetFileAttributesW(from.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return;
-    if ((attributes & kMarks) != 0) {
-      SetFileAttributesW(to.c_str(), (attributes & kMarks) | FILE_ATTRIBUTE_ARCHIVE);
-    }
+    // Also without marks: what a killed process left, and is written anew, may have some.
+    SetFileAttributesW(to.c_str(), (attributes & kMarks) | FILE_ATTRIBUTE_ARCHIVE);
     GiveAccess(to, from);
   } catch (const std::exception&) {
     return;

@@ -1,4 +1,4 @@
-// Files are opened by handles here, which never take a standard stream's place.
+// The run-time library keeps the streams' places taken here, also for programs that get no streams.
 #include "platform/files/standard_streams.h"
 
 namespace files {

@@ -106,9 +106,8 @@ void TemporaryNeighbour::MoveOver(FileLock target_lock, const std::filesystem::p
   const bool sure = SurelyRenamesOpenFiles(file);
   DWORD error = Patiently(sure ? kReplacingPatience : std::chrono::milliseconds(0),
                           [&] { return RenameOpenFile(file, target_); });
-  if (error != ERROR_SUCCESS && !IsUnknownCall(error) && (sure || !IsPassing(error))) {
-    throw CallError(error, target_);
-  }
+  if (error != ERROR_SUCCESS && sure && !IsUnknownCall(error)) throw CallError(error, target_);
+  const FileStamp known = StampOf(CallPath(target_));
   CloseHandle(file);
   native_ = kClosed;
   target_lock.Release();
@@ -116,7 +115,7 @@ void TemporaryNeighbour::MoveOver(FileLock target_lock, const std::filesystem::p
 
   // The older way replaces closed files only. Whoever opens the target now and keeps it, or writes
   // to it, makes it fail, no more.
-  error = MoveOverPatiently(path_, target_);
+  error = MoveOverPatiently(path_, target_, known);
   if (error == ERROR_SUCCESS) return;
   DeleteFileW(CallPath(path_).c_str());
   throw CallError(error, target_);

@@ -41,6 +41,8 @@ std::filesystem::path FileItself(const std::filesystem::path& path) {
   return error ? path : file;
 }
 
+bool TryPatiently(const std::function<bool()>& step) { return step(); }
+
 void RemoveLeftover(const std::filesystem::path& path) {
   while (true) {
     const Descriptor file = TryOpen(path, O_RDWR | O_NOFOLLOW);

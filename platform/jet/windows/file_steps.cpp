@@ -31,7 +31,17 @@ namespace {
 
 std::filesystem::path FileItself(const std::filesystem::path& path) {
   std::wstring file = files::FullPath(files::FollowLink(path).wstring());
-  return file.empty() ? path : std::filesystem::path(std::move(file));
+  if (file.empty()) return path;
+  const std::wstring name = files::CallPath(file);
+  std::wstring without_short_names = files::WithoutMark(files::FilledText(
+      [&](wchar_t* buffer, DWORD size) { return GetLongPathNameW(name.c_str(), buffer, size); }));
+  return std::move(without_short_names.empty() ? file : without_short_names);
+}
+
+bool TryPatiently(const std::function<bool()>& step) {
+  return files::Patiently(files::kOpeningPatience, [&]() -> DWORD {
+           return step() ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+         }) == ERROR_SUCCESS;
 }
 
 void RemoveLeftover(const std::filesystem::path& path) {
@@ -60,8 +70,9 @@ void MoveOver(const std::filesystem::path& file, const std::filesystem::path& ta
               std::unique_ptr<PageStore> held_target) {
   // Only closed files are replaced. Whoever opens the target now and keeps it, or writes to it,
   // makes it fail, no more.
+  const files::FileStamp known = files::StampOf(files::CallPath(target));
   held_target.reset();
-  const DWORD error = files::MoveOverPatiently(file, target);
+  const DWORD error = files::MoveOverPatiently(file, target, known);
   if (error != ERROR_SUCCESS) ThrowStep(error, target);
 }
 

@@ -114,6 +114,8 @@ TEST(CompactionTest, FilesOfOtherWritersAreCarriedOverWhole) {
     // A copy, since a file has one owner at a time, and other tests read the same files.
     const auto source = folder / file.path.filename();
     std::filesystem::copy_file(file.path, source);
+    std::filesystem::permissions(source, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add);
     const auto target = folder / ("compacted-" + file.path.filename().string());
     ExpectCarriedOver(source, target, file.options);
     if (file.options.password.empty())

@@ -1,4 +1,5 @@
-// Copying where sharing decides: files that somebody has open, read-only files.
+// Copying where sharing decides, and what the target keeps: files that somebody has open, read-only
+// files, rights and marks.
 #include "platform/files/file_copy.h"
 
 #include <gtest/gtest.h>
@@ -94,6 +95,24 @@ TEST(WindowsFileCopyTest, SomebodyWhoOnlyLooksIsWaitedFor) {
     looking.join();
     EXPECT_EQ(ReadAll(target), "new");
   }
+}
+
+TEST(WindowsFileCopyTest, WhatSomebodyWritesMeanwhileIsKept) {
+  const TemporaryFolder folder;
+  folder.Write("source", "new");
+  const auto target = folder.Write("target", "old");
+  auto somebody = std::make_unique<Opened>(target, GENERIC_READ | GENERIC_WRITE, 0);
+  std::thread writing([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    DWORD put = 0;
+    WriteFile(somebody->get(), "saved", 5, &put, nullptr);
+    somebody.reset();
+  });
+  EXPECT_EQ(
+      ErrorNumberOf([&] { CopyFileAtomically(folder.Text("source"), folder.Text("target")); }),
+      kPermissionDenied);
+  writing.join();
+  EXPECT_EQ(ReadAll(target), "saved");
 }
 
 // The rights of a file as text: "D:", "P" when they do not come from the folder, the entries.

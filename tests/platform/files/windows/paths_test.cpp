@@ -16,6 +16,7 @@ using test_support::ReadAll;
 using test_support::TemporaryFolder;
 
 // A folder of this machine by the path that other machines have for it; empty where there is none.
+// Made under Wine, with nothing in it.
 std::wstring FolderOnServer(const TemporaryFolder& folder) {
   std::wstring path = folder.Text("");
   if (const wchar_t* const wine = _wgetenv(L"WINEPREFIX")) {
@@ -67,6 +68,7 @@ TEST(WindowsPathsTest, FilesOnServersAreFoundAndCopied) {
   EXPECT_THAT(FilesIn(folder), testing::Contains(target));
   EXPECT_NE(ShortPath(folder), L"") << "it exists, whether it has a short name or not";
   RemoveFile(target);
+  if (_wgetenv(L"WINEPREFIX") != nullptr) RemoveDirectoryW(folder.c_str());
 }
 
 TEST(WindowsPathsTest, AFolderWithoutShortPathKeepsItsOwnAndCanBeWrittenTo) {
