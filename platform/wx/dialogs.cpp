@@ -161,6 +161,7 @@ wxString Wildcard(const std::wstring& filter) {
 }  // namespace
 
 void Prompt::ShowMessage(const std::wstring& text, const std::wstring& caption) {
+  if (gate_.Unattended()) return;
   const WorkGate::Dialog dialog_shown(gate_);
   EndBusyCursor();
   MessageBox box(text, caption, MessageKind::kError);
@@ -169,6 +170,7 @@ void Prompt::ShowMessage(const std::wstring& text, const std::wstring& caption) 
 }
 
 bool Prompt::AskYesNo(const std::wstring& text, const std::wstring& caption) {
+  if (gate_.Unattended()) return false;
   const WorkGate::Dialog dialog_shown(gate_);
   EndBusyCursor();
   MessageBox box(text, caption, MessageKind::kQuestion);
@@ -188,7 +190,7 @@ std::optional<std::wstring> FileDialog::ChooseFile(const Request& request) {
   wxFileName start(wxString(request.file));
   const WorkGate::Dialog dialog_shown(gate_);
   EndBusyCursor();
-  for (;;) {
+  while (!gate_.Unattended()) {
     wxFileDialog dialog(DialogParent(), ToToolkit(request.title), start.GetPath(),
                         start.GetFullName(), Wildcard(request.filter),
                         wxFD_OPEN | wxFD_FILE_MUST_EXIST);
@@ -198,6 +200,7 @@ std::optional<std::wstring> FileDialog::ChooseFile(const Request& request) {
     if (start.IsFileWritable()) return chosen;
     prompt_.ShowMessage(text::ReplaceAll(texts_.read_only_file, L"%s", chosen), request.title);
   }
+  return std::nullopt;
 }
 
 }  // namespace wx_windows

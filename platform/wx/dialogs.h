@@ -11,7 +11,7 @@
 namespace wx_windows {
 
 // Message boxes, in front of the form when it is there. A text that is too long for one gets a box
-// in which it can be scrolled.
+// in which it can be scrolled. When the session ends there are no more, and the answer is no.
 class Prompt final : public controls::Prompt {
  public:
   // Both must outlive it.

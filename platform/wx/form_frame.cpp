@@ -280,7 +280,10 @@ void FormFrame::KeepFocus() {
 }
 
 void FormFrame::OnClose(wxCloseEvent& event) {
-  if (!event.CanVeto()) return End();
+  if (!event.CanVeto()) {
+    gate_.EndUnattended();
+    return End();
+  }
   if (!gate_.Working()) {
     gate_.Work([&] { form_.Close(); });
     if (!form_.Unloaded()) event.Veto();

@@ -113,8 +113,8 @@ class WindowSystem::Parts {
 
   // Nobody is asked, and dialogs that wait are left without an answer.
   void EndSession() {
+    gate.EndUnattended();
     if (frame != nullptr) return frame->End();
-    gate.End();
     LeaveMessageBoxes();
   }
 };

@@ -39,6 +39,10 @@ class WorkGate {
   void End() { ending_ = true; }
   bool Ending() const { return ending_; }
 
+  // As End; and nobody is there any more to read or answer what the work still wants to tell.
+  void EndUnattended() { ending_ = unattended_ = true; }
+  bool Unattended() const { return unattended_; }
+
   // While one lives, a dialog waits for the user: it gets what the form does not.
   class Dialog {
    public:
@@ -63,6 +67,7 @@ class WorkGate {
   bool working_ = false;
   std::chrono::steady_clock::time_point begin_;  // of the work
   bool ending_ = false;
+  bool unattended_ = false;
   int dialogs_ = 0;
 };
 

@@ -130,6 +130,9 @@ TEST_F(WorkTest, EndOfTheSessionEndsWorkThatMayNotBeClosedAndWaitsForAnAnswer) {
     Frame().CallAfter([this] { EndSession(); });
     answer = windows.Prompt().AskYesNo(L"Shall I?", L"Orvane");
     EXPECT_FALSE(form.Unloaded());
+    windows.Prompt().ShowMessage(L"Nobody will read this.", L"Orvane");
+    EXPECT_FALSE(windows.Prompt().AskYesNo(L"Shall I go on?", L"Orvane"));
+    EXPECT_EQ(windows.FileDialog().ChooseFile({}), std::nullopt);
     windows.EventPump().DoEvents();
     ADD_FAILURE() << "the work was not ended";
   };
