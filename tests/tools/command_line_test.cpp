@@ -61,6 +61,8 @@ TEST_F(CommandLineTest, APatternStandsForItsFiles) {
       testing::AllOf(testing::Contains(HasSubstr("a.PRC")), testing::Contains(HasSubstr("b.PRC")),
                      testing::Not(testing::Contains(HasSubstr("c.PRC_old")))));
   EXPECT_THAT(Run({"show", Path("*.none")}).err, HasSubstr("*.none"));
+  EXPECT_EQ(Run({"check", "--table", MakeProductTable(), "--password", Path("*.prc")}).status, 1)
+      << "a wrong password, not one too many";
 }
 #endif
 

@@ -142,7 +142,7 @@ int Apply(const ApplyOptions& options) {
   const std::wstring product_table = options.product_table.AbsolutePath();
   std::vector<std::wstring> files_in_use = {product_table};
   std::vector<std::shared_ptr<clsOrvPap>> updates;
-  for (const std::string& file : options.updates) {
+  for (const std::string& file : FilesOf(options.updates)) {
     files_in_use.push_back(AbsolutePath(file));
     updates.push_back(std::make_shared<clsOrvPap>());
     if (const auto reason = Unusable(files_in_use.back(), *updates.back())) {

@@ -9,9 +9,12 @@
 
 namespace paptool {
 
-// The arguments in UTF-8, without the program's name; patterns of file names are replaced by the
-// files where the system leaves that to programs.
+// The arguments in UTF-8, without the program's name.
 std::vector<std::string> Arguments(int argc, const char* const* argv);
+
+// The files that arguments stand for: patterns such as "PAP32\\*.PRC" where the system leaves that
+// to programs, each pattern's files in order. A pattern without files, and what is none, as it is.
+std::vector<std::string> FilesOf(const std::vector<std::string>& arguments);
 
 // The file of the running program, links resolved. Throws text::RuntimeError when the system does
 // not tell.

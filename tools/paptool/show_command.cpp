@@ -43,10 +43,10 @@ void Print(const UpdateFileReport& report) {
   }
 }
 
-int Show(const std::vector<std::string>& files) {
+int Show(const std::vector<std::string>& updates) {
   int status = kDone;
   bool first = true;
-  for (const std::string& file : files) {
+  for (const std::string& file : FilesOf(updates)) {
     const std::wstring path = AbsolutePath(file);
     try {
       UpdateFileReport report;
@@ -66,12 +66,12 @@ int Show(const std::vector<std::string>& files) {
 
 void AddShowCommand(CLI::App& app, Work& work) {
   CLI::App* command = app.add_subcommand("show", "Print what is in price-update files");
-  auto files = std::make_shared<std::vector<std::string>>();
-  command->add_option("PRC", *files, "The update files")->required()->check(PathProblem);
+  auto updates = std::make_shared<std::vector<std::string>>();
+  command->add_option("PRC", *updates, "The update files")->required()->check(PathProblem);
   command->footer(
       "Prints the header, a line a section with its number of records, and the lines that no\n"
       "reader takes, each with its number and the reason. Nothing is changed.");
-  command->callback([&work, files] { work = [files] { return Show(*files); }; });
+  command->callback([&work, updates] { work = [updates] { return Show(*updates); }; });
 }
 
 }  // namespace paptool

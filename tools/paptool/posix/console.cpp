@@ -11,6 +11,9 @@ std::vector<std::string> Arguments(int argc, const char* const* argv) {
   return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }
 
+// The shell has seen to it.
+std::vector<std::string> FilesOf(const std::vector<std::string>& arguments) { return arguments; }
+
 std::filesystem::path ProgramFile() {
   std::error_code error;
   std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe", error);

@@ -20,13 +20,10 @@
 namespace paptool {
 namespace {
 
-// The files that a pattern such as "PAP32\\*.PRC" stands for, in order: the command line leaves
-// that to programs. Any other argument, and a pattern without files, as it is.
-std::vector<std::wstring> FilesOf(const std::wstring& argument) {
+std::vector<std::wstring> FilesOfPattern(const std::wstring& argument) {
   const std::size_t name_at = argument.find_last_of(L"\\/:") + 1;
   const std::wstring pattern = argument.substr(name_at);
-  if (argument.starts_with(L'-') || pattern.find_first_of(L"*?") == std::wstring::npos)
-    return {argument};
+  if (pattern.find_first_of(L"*?") == std::wstring::npos) return {argument};
   std::vector<std::wstring> files;
   WIN32_FIND_DATAW found{};
   const HANDLE search = FindFirstFileW(argument.c_str(), &found);
@@ -50,11 +47,17 @@ std::vector<std::string> Arguments(int, const char* const*) {
   const std::unique_ptr<LPWSTR, decltype(&LocalFree)> wide(
       CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
   std::vector<std::string> arguments;
-  for (int i = 1; i < count; ++i) {
-    for (const std::wstring& argument : FilesOf(wide.get()[i]))
-      arguments.push_back(text::WideToUtf8(argument));
-  }
+  for (int i = 1; i < count; ++i) arguments.push_back(text::WideToUtf8(wide.get()[i]));
   return arguments;
+}
+
+std::vector<std::string> FilesOf(const std::vector<std::string>& arguments) {
+  std::vector<std::string> files;
+  for (const std::string& argument : arguments) {
+    for (const std::wstring& file : FilesOfPattern(text::Utf8ToWide(argument)))
+      files.push_back(text::WideToUtf8(file));
+  }
+  return files;
 }
 
 std::filesystem::path ProgramFile() {
