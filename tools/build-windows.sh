@@ -23,7 +23,7 @@ cmake --build --preset windows -j "$(nproc)" --target "${programs[@]}"
 version=$(sed -n -E 's/^project\(.* VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 name=orvpap-$version-windows
 folder=build/windows/$name
-rm -rf "$folder" "$folder.zip"
+rm -rf build/windows/orvpap-*-windows*  # of other versions, too
 mkdir -p "$folder"
 for program in "${programs[@]}"; do
   x86_64-w64-mingw32-strip -o "$folder/$program.exe" "build/windows/bin/$program.exe"

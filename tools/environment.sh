@@ -1,4 +1,4 @@
-# Sourced by test.sh and .ci/run, with the project's root as the current folder: what the tests find
+# Sourced by test.sh, with the project's root as the current folder: what the tests find
 # in their environment.
 export LC_ALL=C.UTF-8
 

@@ -57,8 +57,15 @@ if [[ ${1:-} != --on-display ]]; then
 fi
 folder=${2:-docs/images/windows}
 work=$(mktemp -d)
-trap 'jobs -p | xargs -r kill 2>/dev/null; rm -rf "$work"' EXIT
 prefix=$work/wine
+clean_up() {
+  jobs -p | xargs -r kill 2>/dev/null || true
+  export WINEPREFIX=$prefix PATH=$PATH:/usr/lib/wine
+  wineserver -k || true
+  wineserver -w
+  rm -rf "$work"
+}
+trap clean_up EXIT
 installation=$prefix/drive_c/Orvane
 
 under_wine cmd /c exit

@@ -36,11 +36,11 @@ tools/run-under-wine.sh --display "$prefix" 'C:\Orvane\orvpap.exe' </dev/null &
 wizard=$!
 timeout 180 xdotool search --sync --onlyvisible --name '^Wizard Orvane 3.2 Prijsaanpassingen$' >/dev/null ||
   { echo "The wizard's window does not come." >&2; exit 1; }
-sleep 2
-xdotool key Escape
+# The window may be there before the keyboard is its own.
 for _ in {1..30}; do
-  kill -0 "$wizard" 2>/dev/null || break
   sleep 1
+  kill -0 "$wizard" 2>/dev/null || break
+  xdotool key Escape
 done
 ! kill -0 "$wizard" 2>/dev/null || { echo "Escape does not end the wizard." >&2; exit 1; }
 wait "$wizard" || { echo "The wizard ended with status $?." >&2; exit 1; }

@@ -5,6 +5,7 @@
 
 #include "engine/clsOrvPap.h"
 #include "platform/files/paths.h"
+#include "platform/text/date.h"
 #include "platform/text/locale.h"
 #include "tests/support/surface_test.h"
 #include "updates/modSharedPap.h"
@@ -25,7 +26,7 @@ constexpr char kWritten[] =
     "[SawPrcDate]\r\n20040316\r\n\r\n"
     "[BlastCoatDate]\r\n20040317\r\n\r\n"
     "[BasePriceDate]\r\n20040318\r\n\r\n"
-    "[OLBonusDate]\r\n\r\n\r\n"
+    "[OLBonusDate]\r\n20040319\r\n\r\n"
     "[Remark]\r\none\r\ntwo \x80\r\n\r\n"
     "[NEW SUPPLIER]\r\n\"S1\",\"First, and last\",15,0.5\r\n\r\n"
     "[NEW ASSORTMENT]\r\n\"BEAMS\",\"Beams\",1,255,True,False,7,\"\"\r\n\r\n"
@@ -58,6 +59,11 @@ TEST_F(PrcFileWriterTest, WritesTheSameBytesUnderEveryLocale) {
   std::string bytes = kWritten;
   bytes.replace(bytes.find("\"HEA100\",,"), 10, "\"HEA100\",0,");
   ReadPapHeader(files::ToText(folder.Write(std::filesystem::path("in") / "a.PRC", bytes)), update);
+  EXPECT_EQ(text::FormatDate(update.PrcDate), L"2004-03-15");
+  EXPECT_EQ(text::FormatDate(update.SawPrcDate), L"2004-03-16");
+  EXPECT_EQ(text::FormatDate(update.BlastCoatDate), L"2004-03-17");
+  EXPECT_EQ(text::FormatDate(update.BasePriceDate), L"2004-03-18");
+  EXPECT_EQ(text::FormatDate(update.OlBonusDate), L"2004-03-19");
   for (const text::Locale locale : {text::Locale{L',', L'.'}, text::Locale{L'.', L','}}) {
     const text::ScopedLocale scope(locale);
     update.Version = L"1.0";  // the writer writes its own

@@ -9,7 +9,7 @@
 
 namespace test_support {
 
-// Closed with the object. Implemented in posix/ and windows/.
+// Closed with the object.
 class Socket {
  public:
   // Keeps a port that the system chooses: Listen takes connections there, Refuse takes none. Both

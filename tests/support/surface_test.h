@@ -21,8 +21,7 @@
 
 namespace test_support {
 
-// Installs shared settings whose services record: message boxes in `prompt`, texts as
-// numbers.
+// Installs shared settings whose services record: message boxes in `prompt`, texts as numbers.
 class SurfaceTest : public testing::Test {
  public:
   ~SurfaceTest() override;  // closes ProductConnection

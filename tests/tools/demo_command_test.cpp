@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <map>
 
@@ -39,6 +40,12 @@ TEST_F(DemoCommandTest, RunsByItself) {
   const ProgramOutcome tables = RunProgram(program, {"tables", "--table", table}, folder.path());
   EXPECT_THAT(Lines(tables.out),
               testing::IsSupersetOf({"Supplier\t2", "Assortment\t3", "Article\t319"}));
+  std::vector<std::string> sorted = Lines(tables.out);
+  std::ranges::sort(sorted, {}, [](std::string line) {
+    std::ranges::transform(line, line.begin(), [](unsigned char c) { return std::tolower(c); });
+    return line;
+  });
+  EXPECT_EQ(Lines(tables.out), sorted);
 
   const auto apply = [&](const fs::path& update) {
     return RunProgram(

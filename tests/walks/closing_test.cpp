@@ -50,7 +50,8 @@ TEST_F(ClosingTest, BetweenCompactionAndCopy) {
     CheckOnly({0});
     Begin(kNext);
     bool closed = false;
-    while (!closed) {
+    for (int attempt = 0; !closed; ++attempt) {
+      ASSERT_LT(attempt, 50) << "the window never gets its turn there";
       bool finished = false;
       Await("the compaction or its end", [&] {
         finished = AtRest() && Title() == kImport;

@@ -277,6 +277,16 @@ TEST_F(usrImportTest, AProductTableThatIsTakenMeanwhileCostsTheUpdateInHand) {
   EXPECT_THAT(Register(), ElementsAre(HasSubstr("first.PRC|"), HasSubstr("third.PRC|")));
 }
 
+// The update is applied; what failed is told at the end, since no line of the list is red.
+TEST_F(usrImportTest, AnUpdateThatTheRegisterCannotTakeIsTold) {
+  const clsOrvPap& update = Add(std::wstring(196, L'x') + L".PRC");  // longer than the column
+  EXPECT_TRUE(Start());
+  EXPECT_FALSE(page.Complete());
+  EXPECT_EQ(Listed(), Applied(update));
+  EXPECT_THAT(Boxes(), ElementsAre(HasSubstr("Error = "), "#1072 " + WideToUtf8(update.FilePath)));
+  EXPECT_THAT(Register(), IsEmpty());
+}
+
 // An update that somebody sent must not overwrite what lies elsewhere: codes that no file name can
 // hold make no backup, and the import goes on.
 TEST_F(usrImportTest, ABackupStaysBesideTheProductTable) {

@@ -92,6 +92,17 @@ TEST_F(usrSelectPapTest, OffersWhatTheProductTableHas) {
   EXPECT_THAT(prompt.messages, IsEmpty());
 }
 
+// A folder that nobody has tidied for years.
+TEST_F(usrSelectPapTest, AThousandUpdates) {
+  for (int i = 0; i < 1000; ++i) WriteUpdate(std::to_wstring(10000 + i) + L".PRC", "A");
+  ASSERT_TRUE(Process(L"10345.PRC"));
+  Init();
+  ASSERT_EQ(page.lvPrc.Items().size(), 1000U);
+  EXPECT_EQ(page.SelectedPAP().size(), 999U);
+  EXPECT_EQ(page.lvPrc.Item(999).key, L"1000P");
+  EXPECT_FALSE(page.lvPrc.Item(345).checked);
+}
+
 TEST_F(usrSelectPapTest, ChecksDecideWhatIsSelectedAndWhetherTheUserMayGoOn) {
   WriteUpdate(L"1.PRC", "C");
   for (const wchar_t* name : {L"2.PRC", L"3.PRC", L"4.PRC"}) WriteUpdate(name, "A");

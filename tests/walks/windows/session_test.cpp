@@ -68,6 +68,7 @@ TEST_F(SessionTest, EndsInAMessage) {
     Await("a message", [] { return !Message().empty(); });
     EndSession(Order::kFrontFirst);
   });
+  EXPECT_EQ(Setting("PTLocation"), "(none)");
 }
 
 TEST_F(SessionTest, EndsInTheFileDialogAfterAnotherProgramRefusedOnce) {
