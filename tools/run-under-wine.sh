@@ -25,8 +25,13 @@ unset DISPLAY WAYLAND_DISPLAY
 
 # Debian keeps Wine's 64-bit programs outside the search path.
 PATH=$PATH:/usr/lib/wine
-wine=$(command -v wine64 || command -v wine) ||
+wine=("$(command -v wine64 || command -v wine)") ||
   { echo "Wine is missing; run tools/install-dependencies.sh windows." >&2; exit 127; }
+# One start in some thousands fails, without a word, where the system happens to put something at an
+# address that Wine needs. So it is to put nothing at random addresses, where it lets us ask for that.
+if setarch -R true 2>/dev/null; then
+  wine=(setarch -R "${wine[@]}")
+fi
 
 # Wine's own services start with the first program and keep its output open: that one is never the
 # caller's. Without a display they stay for a while after the last program, because starting them
@@ -35,17 +40,17 @@ mkdir -p "$WINEPREFIX"
 (
   flock 9
   if [[ ! -e $WINEPREFIX/ready ]]; then
-    "$wine" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+    "${wine[@]}" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1 9>&-
     # While these services stay, no window is seen.
     wineserver -w </dev/null >/dev/null 2>&1 9>&-
     touch "$WINEPREFIX/ready"
   fi
   if [[ $display == no ]] && wineserver -p30 </dev/null >/dev/null 2>&1 9>&-; then
-    "$wine" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
+    "${wine[@]}" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
   fi
 ) 9>"$WINEPREFIX/lock"
 
 if [[ $display == yes ]]; then
   export DISPLAY=$screen
 fi
-exec "$wine" "$@"
+exec "${wine[@]}" "$@"
