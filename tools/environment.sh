@@ -1,5 +1,5 @@
-# Sourced by test.sh, with the project's root as the current folder: what the tests find
-# in their environment.
+# Sourced by test.sh, with the project's root as the current folder: what the tests find in their
+# environment.
 export LC_ALL=C.UTF-8
 
 # Tests that need sample files are skipped where ORVPAP_SHARED does not say where these are and no

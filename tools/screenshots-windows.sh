@@ -56,16 +56,7 @@ if [[ ${1:-} != --on-display ]]; then
   ORVPAP_SCREEN=$size exec tools/run-under-xvfb.sh "$0" --on-display "$@"
 fi
 folder=${2:-docs/images/windows}
-work=$(mktemp -d)
-prefix=$work/wine
-clean_up() {
-  jobs -p | xargs -r kill 2>/dev/null || true
-  export WINEPREFIX=$prefix PATH=$PATH:/usr/lib/wine
-  wineserver -k || true
-  wineserver -w
-  rm -rf "$work"
-}
-trap clean_up EXIT
+source tools/temporary-wine.sh
 installation=$prefix/drive_c/Orvane
 
 under_wine cmd /c exit

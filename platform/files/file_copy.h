@@ -12,7 +12,7 @@ namespace files {
 // network shares do not. There the lock ends just before the renaming: whoever opens the target in
 // between makes the copy fail. The source may be open, here or elsewhere, and stays locked by whom
 // it was; nobody keeps others from changing it meanwhile. On Windows somebody who has the target
-// open for a moment is waited for, some two seconds.
+// open for a moment is waited for, some two seconds, and makes the copy fail by writing to it.
 //
 // Throws text::RuntimeError, with the target as it was: 53 or 76 when the source is missing or the
 // target's folder is; 70 when either may not be opened, somebody holds the target, or both are the

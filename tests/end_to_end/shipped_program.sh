@@ -12,16 +12,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 if [[ ${2:-} != --on-display ]]; then
   exec tools/run-under-xvfb.sh "$0" "$zip" --on-display
 fi
-work=$(mktemp -d)
-prefix=$work/wine
-clean_up() {
-  jobs -p | xargs -r kill -9 2>/dev/null || true
-  export WINEPREFIX=$prefix PATH=$PATH:/usr/lib/wine
-  wineserver -k || true
-  wineserver -w
-  rm -rf "$work"
-}
-trap clean_up EXIT
+source tools/temporary-wine.sh
 under_wine() { tools/run-under-wine.sh --display "$prefix" "$@" </dev/null; }
 
 under_wine cmd /c exit

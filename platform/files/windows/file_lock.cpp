@@ -33,7 +33,7 @@ FileLock::FileLock(const std::filesystem::path& path, MissingFile missing,
   const bool absent = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
   if (absent && !create) return;
   if (error != ERROR_SUCCESS) throw CallError(error, path);
-  // What our caller knows of the file, whoever was waited for may have changed.
+  // Whoever was waited for may have saved something, which the caller is about to replace unread.
   if (before != FileStamp() && StampOf(name) != before) {
     CloseHandle(file);
     throw FileError(kPermissionDenied);
